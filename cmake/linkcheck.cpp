@@ -1,0 +1,1 @@
+// Intentionally empty: the link-check library exists only to be linked.

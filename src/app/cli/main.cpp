@@ -1,0 +1,5 @@
+#include "cli/CommandLineTool.h"
+
+int main(int argc, char** argv) {
+    return quorlin::cli::CommandLineTool::run(argc, argv);
+}

@@ -1,0 +1,6 @@
+#include "shell/ApplicationStart.h"
+
+int main(int, char**) {
+    quorlin::ApplicationStart::run();
+    return 0;
+}

@@ -1,0 +1,7 @@
+#include "shell/ApplicationStart.h"
+
+namespace quorlin {
+
+void ApplicationStart::run() {}
+
+} // namespace quorlin
