@@ -1,11 +1,33 @@
 #pragma once
 
+#include <QString>
+
 namespace quorlin {
 
-// The headless start shared by the editor and the command-line tool.
+class AnalyticsIntegration;
+class UserDefaults;
+
+// The headless start shared by the editor and the command-line tool: what
+// must have happened, in this order, before anything reads a setting or a
+// manifest. Windows, menus and notices plug in around it later without
+// changing the order.
 class ApplicationStart {
 public:
-    static void run();
+    explicit ApplicationStart(UserDefaults& defaults);
+    // For tests: another analytics integration and a chosen current version.
+    ApplicationStart(UserDefaults& defaults, AnalyticsIntegration& analytics, const QString& currentVersion);
+
+    void run();
+
+    // Removes the setting of the old self-updater on a first start: the
+    // program has no updater, and a stale value would only confuse.
+    static void cleanOldUpdaterDefault(UserDefaults& defaults);
+
+private:
+    UserDefaults& m_defaults;
+    AnalyticsIntegration& m_analytics;
+    QString m_currentVersion;
+    bool m_topPriorityUICalled = false;
 };
 
 } // namespace quorlin

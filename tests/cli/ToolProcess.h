@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace quorlin::test {
+
+struct ToolRun {
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray error;
+};
+
+// Runs one of the built executables in a folder of the test's own, with
+// settings and data folders inside it, so that no run touches the user's.
+class ToolProcess {
+public:
+    explicit ToolProcess(QString executable = QStringLiteral("quorlin-profile"))
+        : m_executable(std::move(executable)) {}
+
+    bool isValid() const { return m_folder.isValid(); }
+    // A path inside the working folder.
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    QString configFolder() const { return path(QStringLiteral("xdg-config")); }
+    QString dataFolder() const { return path(QStringLiteral("xdg-data")); }
+
+    ToolRun run(const QStringList& arguments) const {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder());
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), dataFolder());
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(m_folder.path());
+        process.start(QDir(binaryFolder()).filePath(m_executable), arguments);
+        ToolRun result;
+        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+            return result;
+        result.exitCode = process.exitCode();
+        result.output = process.readAllStandardOutput();
+        result.error = process.readAllStandardError();
+        return result;
+    }
+
+private:
+    static QString binaryFolder() {
+        const QString fromTestRunner = qEnvironmentVariable("QUORLIN_BIN_DIR");
+        return fromTestRunner.isEmpty() ? QStringLiteral(QUORLIN_BINARY_DIR "/bin") : fromTestRunner;
+    }
+
+    QString m_executable;
+    QTemporaryDir m_folder;
+};
+
+} // namespace quorlin::test

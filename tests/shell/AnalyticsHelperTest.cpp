@@ -1,0 +1,98 @@
+#include "RecordingAnalyticsSink.h"
+
+#include "shell/AnalyticsHelper.h"
+#include "shell/AnalyticsIntegration.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace quorlin;
+
+namespace {
+
+const QString kWiFi = QStringLiteral("com.apple.wifi.managed");
+const QString kVpn = QStringLiteral("com.apple.vpn.managed");
+
+class AnalyticsHelperTest : public ::testing::Test {
+protected:
+    AnalyticsHelperTest() { m_analytics.setup(AnalyticsIntegration::applicationSecret()); }
+
+    AnalyticsHelper helper(QStringList known) {
+        return AnalyticsHelper(m_analytics, [this, known] {
+            ++m_providerCalls;
+            return known;
+        });
+    }
+    QStringList sentDomains() const {
+        QStringList domains;
+        for (const auto& event : m_sink->events)
+            domains << event.properties.value(QStringLiteral("DomainString"));
+        return domains;
+    }
+
+    std::shared_ptr<test::RecordingAnalyticsSink> m_sink = std::make_shared<test::RecordingAnalyticsSink>();
+    AnalyticsIntegration m_analytics{m_sink};
+    int m_providerCalls = 0;
+};
+
+} // namespace
+
+TEST_F(AnalyticsHelperTest, ReportsOnlyDomainsOfTheBundledManifests) {
+    AnalyticsHelper analytics = helper({kWiFi, kVpn});
+    analytics.report({"com.customer.secret", kVpn, "COM.APPLE.WIFI.MANAGED", "com.apple.wifi"},
+                     AnalyticsHelper::payloadLoaded);
+    ASSERT_EQ(m_sink->events.size(), 1);
+    EXPECT_EQ(m_sink->events.first().name, QStringLiteral("Payload loaded"));
+    EXPECT_EQ(m_sink->events.first().properties, (AnalyticsSink::Properties{{"DomainString", kVpn}}));
+
+    analytics.report({}, AnalyticsHelper::payloadSaved);
+    analytics.report({"com.customer.secret"}, AnalyticsHelper::payloadSaved);
+    EXPECT_EQ(m_sink->events.size(), 1);
+}
+
+TEST_F(AnalyticsHelperTest, SendsOneEventForEachQualifyingPayload) {
+    helper({kWiFi, kVpn}).report({kWiFi, kWiFi, "com.customer.secret", kWiFi}, AnalyticsHelper::payloadAdded);
+    EXPECT_EQ(sentDomains(), (QStringList{kWiFi, kWiFi, kWiFi}));
+    for (const auto& event : m_sink->events)
+        EXPECT_EQ(event.name, QStringLiteral("Payload added"));
+}
+
+TEST_F(AnalyticsHelperTest, CutsALongDomainTo125Characters) {
+    const QString longDomain = QStringLiteral("com.example.") + QString(188, u'x');
+    ASSERT_EQ(longDomain.size(), 200);
+    const QString exact = QString(125, u'y');
+    helper({longDomain, exact}).report({longDomain, exact}, AnalyticsHelper::payloadSaved);
+    EXPECT_EQ(sentDomains(), (QStringList{longDomain.left(125), exact}));
+}
+
+TEST_F(AnalyticsHelperTest, AsksForTheKnownDomainsOnceAndOnlyWhenFirstNeeded) {
+    AnalyticsHelper analytics = helper({kWiFi});
+    EXPECT_EQ(m_providerCalls, 0);
+    analytics.report({kWiFi}, AnalyticsHelper::payloadAdded);
+    analytics.report({kWiFi}, AnalyticsHelper::payloadSaved);
+    EXPECT_EQ(m_providerCalls, 1);
+    EXPECT_EQ(analytics.nonIdentifiablePayloadDomains(), QStringList{kWiFi});
+}
+
+TEST_F(AnalyticsHelperTest, KnownDomainsComeFromThePfmDomainOfEachManifest) {
+    const plist::Array manifests{plist::Dictionary{{"pfm_domain", kWiFi}, {"pfm_title", "Wi-Fi"}},
+                                 plist::Dictionary{{"pfm_title", "No domain"}},
+                                 plist::Dictionary{{"pfm_domain", 7}}, "not a manifest",
+                                 plist::Dictionary{{"pfm_domain", kVpn}}};
+    EXPECT_EQ(AnalyticsHelper::payloadDomainsOf(manifests), (QStringList{kWiFi, kVpn}));
+}
+
+TEST(AnalyticsIntegration, SendsNothingBeforeItIsStarted) {
+    auto sink = std::make_shared<test::RecordingAnalyticsSink>();
+    AnalyticsIntegration analytics(sink);
+    AnalyticsHelper(analytics, [] {
+        return QStringList{kWiFi};
+    }).report({kWiFi}, AnalyticsHelper::payloadAdded);
+    EXPECT_TRUE(sink->events.isEmpty());
+
+    analytics.setup(QStringLiteral("00000000-0000-0000-0000-000000000001"));
+    analytics.setup(QStringLiteral("00000000-0000-0000-0000-000000000002"));
+    EXPECT_EQ(sink->secrets, QStringList{"00000000-0000-0000-0000-000000000001"});
+}
