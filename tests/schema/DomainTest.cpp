@@ -1,0 +1,373 @@
+#include "schema/PFMDomain.h"
+#include "support/TestSupport.h"
+
+#include "SchemaTrees.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorlin;
+using plist::Array;
+using plist::Dictionary;
+using plist::Value;
+using quorlin::test::itemTree;
+using quorlin::test::keyTree;
+using quorlin::test::manifestTree;
+using Category = PFMDomain::Category;
+using Model = PFMSupportedPlatforms::Model;
+using Stage = PFMSupportedPlatforms::LifeCycleStage;
+using StageVersions = PFMSupportedPlatforms::StageVersions;
+
+namespace {
+
+const Array threeKeys{keyTree("Host", "string"), keyTree("Port", "integer"), keyTree("Password", "string")};
+
+std::shared_ptr<const PFMDomain> domainWith(const Dictionary& extra, const Array& keys = threeKeys) {
+    return PFMDomain::make(manifestTree("com.example.test", keys, extra));
+}
+
+Dictionary withSubkeys(Dictionary key, const Array& subkeys) {
+    key.insert(QStringLiteral("pfm_subkeys"), subkeys);
+    return key;
+}
+
+// Display group index of each top-level key, by name; -1 for none.
+std::map<QString, int> groupIndexes(const PFMDomain& domain) {
+    std::map<QString, int> indexes;
+    for (const auto& key : domain.keyPrototypes())
+        indexes[*key->name()] = key->displayGroupIndex().value_or(-1);
+    return indexes;
+}
+
+} // namespace
+
+TEST(DomainRequiredFields, WithoutAnyOfTheFiveThereIsNoDomain) {
+    const Dictionary complete = manifestTree("com.example.test", threeKeys);
+    ASSERT_TRUE(PFMDomain::make(complete));
+    for (const char* key :
+         {"pfm_title", "pfm_description", "pfm_domain", "pfm_format_version", "pfm_subkeys"}) {
+        Dictionary missing = complete;
+        missing.remove(key);
+        EXPECT_FALSE(PFMDomain::make(missing)) << key << " missing";
+        Dictionary wrongType = complete;
+        wrongType.insert(key, Value(plist::Date{0}));
+        EXPECT_FALSE(PFMDomain::make(wrongType)) << key << " of the wrong type";
+    }
+    Dictionary realVersion = complete;
+    realVersion.insert("pfm_format_version", 2.9);
+    EXPECT_EQ(PFMDomain::make(realVersion)->formatVersion(), 2);
+}
+
+TEST(DomainRequiredFields, KeyListMayComeOutEmpty) {
+    const auto empty = PFMDomain::make(manifestTree("com.example.empty", {}));
+    ASSERT_TRUE(empty);
+    EXPECT_TRUE(empty->keyPrototypes().isEmpty());
+
+    const auto allUnreadable =
+        PFMDomain::make(manifestTree("com.example.bad", {itemTree("string"), keyTree("Flag", "Boolean"), 5}));
+    ASSERT_TRUE(allUnreadable);
+    EXPECT_TRUE(allUnreadable->keyPrototypes().isEmpty());
+    EXPECT_TRUE(allUnreadable->allKeyNames().isEmpty());
+}
+
+TEST(DomainDefaults, HoldForTheSmallestManifest) {
+    const auto domain = PFMDomain::make(manifestTree("com.example.test", threeKeys));
+    ASSERT_TRUE(domain);
+    EXPECT_EQ(domain->title(), QStringLiteral("Test Payload"));
+    EXPECT_EQ(domain->descriptionline(), QStringLiteral("Settings for tests"));
+    EXPECT_EQ(domain->domainString(), QStringLiteral("com.example.test"));
+    EXPECT_EQ(domain->formatVersion(), 1);
+    EXPECT_FALSE(domain->version());
+    EXPECT_FALSE(domain->required());
+    EXPECT_FALSE(domain->singlePayload());
+    EXPECT_EQ(domain->sortPriority(), 999u);
+    EXPECT_FALSE(domain->fileBasedPayload());
+    EXPECT_EQ(domain->keyPrototypes().size(), 3);
+    EXPECT_FALSE(domain->targets());
+    EXPECT_FALSE(domain->payloadFileNameSubkeyName());
+    EXPECT_FALSE(domain->payloadFileDataSubkeyName());
+    EXPECT_FALSE(domain->payloadFileDataSubkeyPrototype());
+    EXPECT_EQ(domain->domainCategory(), Category::user);
+    EXPECT_FALSE(domain->icon());
+    EXPECT_FALSE(domain->iconIsTemplate());
+    EXPECT_FALSE(domain->displayGroupsLabelMap());
+    EXPECT_FALSE(domain->supportedOSes());
+    EXPECT_FALSE(domain->requiresSupervision());
+    EXPECT_FALSE(domain->documentationURL());
+    EXPECT_FALSE(domain->note());
+    EXPECT_FALSE(domain->containsSupervisedOnlyKeys());
+}
+
+TEST(DomainFields, AreReadFromValuesOfTheirType) {
+    const QByteArray icon("\x89PNG\r\n", 6);
+    const auto domain = domainWith({{"pfm_description", "Line one\\nstill line one"},
+                                    {"pfm_version", 7},
+                                    {"pfm_targets", Array{"system", "user"}},
+                                    {"pfm_quorlin_sort_priority", 12.8},
+                                    {"pfm_quorlin_single_payload", true},
+                                    {"pfm_require", "always"},
+                                    {"pfm_quorlin_icon", icon},
+                                    {"pfm_quorlin_icon_is_template", 1},
+                                    {"pfm_quorlin_supervision_required", true},
+                                    {"pfm_quorlin_documentation_url", "https://example.org/payload"},
+                                    {"pfm_quorlin_note", "Needs a restart"}});
+    ASSERT_TRUE(domain);
+    EXPECT_EQ(domain->descriptionline(), QStringLiteral("Line one\\nstill line one"));
+    EXPECT_EQ(domain->version(), 7);
+    EXPECT_EQ(domain->targets(), (Array{"system", "user"}));
+    EXPECT_EQ(domain->sortPriority(), 12u);
+    EXPECT_TRUE(domain->singlePayload());
+    EXPECT_TRUE(domain->required());
+    EXPECT_EQ(domain->icon(), icon);
+    EXPECT_TRUE(domain->iconIsTemplate());
+    EXPECT_TRUE(domain->requiresSupervision());
+    EXPECT_EQ(domain->documentationURL(), QUrl(QStringLiteral("https://example.org/payload")));
+    EXPECT_EQ(domain->note(), QStringLiteral("Needs a restart"));
+}
+
+TEST(DomainFields, OfTheWrongTypeCountAsAbsent) {
+    const auto domain = domainWith({{"pfm_version", "7"},
+                                    {"pfm_targets", "system"},
+                                    {"pfm_quorlin_sort_priority", "1"},
+                                    {"pfm_quorlin_single_payload", "yes"},
+                                    {"pfm_require", true},
+                                    {"pfm_quorlin_icon", "icon.png"},
+                                    {"pfm_quorlin_icon_is_template", true},
+                                    {"pfm_quorlin_category", 3},
+                                    {"pfm_quorlin_supervision_required", 1},
+                                    {"pfm_quorlin_documentation_url", Array{}},
+                                    {"pfm_quorlin_note", 5},
+                                    {"pfm_quorlin_groups", Array{}}});
+    ASSERT_TRUE(domain);
+    EXPECT_FALSE(domain->version());
+    EXPECT_FALSE(domain->targets());
+    EXPECT_EQ(domain->sortPriority(), 999u);
+    EXPECT_FALSE(domain->singlePayload());
+    EXPECT_FALSE(domain->required());
+    EXPECT_FALSE(domain->icon());
+    EXPECT_FALSE(domain->iconIsTemplate()); // read only with an icon
+    EXPECT_EQ(domain->domainCategory(), Category::user);
+    EXPECT_FALSE(domain->requiresSupervision());
+    EXPECT_FALSE(domain->documentationURL());
+    EXPECT_FALSE(domain->note());
+    EXPECT_FALSE(domain->displayGroupsLabelMap());
+}
+
+TEST(DomainFields, SinglePayloadAndRequirementFollowTheirOwnReadings) {
+    EXPECT_FALSE(domainWith({{"pfm_quorlin_single_payload", 0}})->singlePayload());
+    EXPECT_TRUE(domainWith({{"pfm_quorlin_single_payload", 2}})->singlePayload());
+    EXPECT_FALSE(domainWith({{"pfm_require", "push"}})->required());
+    EXPECT_FALSE(domainWith({{"pfm_require", "Always"}})->required());
+}
+
+TEST(DomainKeys, TopLevelKeysNeedNames) {
+    const auto domain =
+        domainWith({}, {itemTree("string", {{"pfm_title", "Nameless"}}), keyTree("Named", "string")});
+    ASSERT_EQ(domain->keyPrototypes().size(), 1);
+    EXPECT_EQ(domain->keyPrototypes()[0]->name(), QStringLiteral("Named"));
+}
+
+TEST(DomainCategory, EmptyDomainIsRootAndUnknownWordsAreUser) {
+    const auto categoryOf = [](const QString& domainString, const Value& word) {
+        Dictionary extra;
+        if (!word.isNull())
+            extra.insert("pfm_quorlin_category", word);
+        return PFMDomain::make(manifestTree(domainString, {}, extra))->domainCategory();
+    };
+    EXPECT_EQ(categoryOf("", "application"), Category::root);
+    EXPECT_EQ(categoryOf("", {}), Category::root);
+    EXPECT_EQ(categoryOf("com.example", "root"), Category::root);
+    EXPECT_EQ(categoryOf("com.example", "system"), Category::system);
+    EXPECT_EQ(categoryOf("com.example", "application"), Category::application);
+    EXPECT_EQ(categoryOf("com.example", "user"), Category::user);
+    EXPECT_EQ(categoryOf("com.example", "unknown"), Category::unknown);
+    EXPECT_EQ(categoryOf("com.example", "Application"), Category::user);
+    EXPECT_EQ(categoryOf("com.example", "vendor"), Category::user);
+    EXPECT_EQ(categoryOf("com.example", {}), Category::user);
+
+    for (const Category category :
+         {Category::root, Category::system, Category::application, Category::user, Category::unknown})
+        EXPECT_EQ(PFMDomain::categoryFromRawValue(PFMDomain::rawValue(category)), category);
+}
+
+TEST(DomainFileBasedPayload, SubkeyNamesNeedTheFileBasedKeyAsANumber) {
+    const Dictionary names{{"pfm_quorlin_payload_file_name_subkey", "FileName"},
+                           {"pfm_quorlin_payload_file_data_subkey", "Content"}};
+    Dictionary off = names;
+    off.insert("pfm_quorlin_file_based_payload", 0);
+    const auto readEvenWhenOff = domainWith(off);
+    EXPECT_FALSE(readEvenWhenOff->fileBasedPayload());
+    EXPECT_EQ(readEvenWhenOff->payloadFileNameSubkeyName(), QStringLiteral("FileName"));
+    EXPECT_EQ(readEvenWhenOff->payloadFileDataSubkeyName(), QStringLiteral("Content"));
+
+    Dictionary notANumber = names;
+    notANumber.insert("pfm_quorlin_file_based_payload", "true");
+    const auto ignored = domainWith(notANumber);
+    EXPECT_FALSE(ignored->fileBasedPayload());
+    EXPECT_FALSE(ignored->payloadFileNameSubkeyName());
+    EXPECT_FALSE(ignored->payloadFileDataSubkeyName());
+    EXPECT_FALSE(domainWith(names)->payloadFileDataSubkeyName());
+}
+
+TEST(DomainFileBasedPayload, DataPrototypeIsTheFirstOfItsNameInTheKeyTree) {
+    Dictionary extra{{"pfm_quorlin_file_based_payload", true},
+                     {"pfm_quorlin_payload_file_data_subkey", "Content"}};
+    const auto domain =
+        domainWith(extra, {withSubkeys(keyTree("Wrapper", "dictionary"),
+                                       {withSubkeys(keyTree("Inner", "dictionary"),
+                                                    {keyTree("Content", "data", {{"pfm_title", "Deep"}})}),
+                                        keyTree("Content", "string", {{"pfm_title", "Shallow"}})}),
+                           keyTree("Content", "data", {{"pfm_title", "Top"}})});
+    ASSERT_TRUE(domain->fileBasedPayload());
+    ASSERT_TRUE(domain->payloadFileDataSubkeyPrototype());
+    EXPECT_EQ(domain->payloadFileDataSubkeyPrototype()->title(), QStringLiteral("Deep"));
+    EXPECT_EQ(domain->payloadFileDataSubkeyPrototype(),
+              domain->keyPrototypes()[0]->subkeys()[0]->subkeys()[0]);
+
+    extra.insert("pfm_quorlin_payload_file_data_subkey", "Missing");
+    EXPECT_FALSE(domainWith(extra)->payloadFileDataSubkeyPrototype());
+}
+
+TEST(DomainSearch, ConcatenatesTheSearchStringsOfAllKeys) {
+    const auto domain = domainWith(
+        {}, {withSubkeys(keyTree("Proxy", "dictionary", {{"pfm_description", "How to reach\\nthe web"}}),
+                         {keyTree("proxyHost", "string"), keyTree("proxyPort", "integer")}),
+             keyTree("Bypass", "array", {{"pfm_title", "Exceptions"}})});
+    EXPECT_EQ(domain->allKeyNames(), (QStringList{"Proxy", "proxyHost", "proxyPort", "Bypass"}));
+    EXPECT_EQ(domain->allKeyTitles(), (QStringList{"Proxy", "Proxy Host", "Proxy Port", "Exceptions"}));
+    EXPECT_EQ(domain->allKeyDescriptions(), (QStringList{"How to reach\nthe web", "", "", ""}));
+}
+
+TEST(DomainSupervision, ContainsSupervisedOnlyKeysLooksAtEveryDepth) {
+    const Dictionary supervised = keyTree("Lock", "boolean", {{"pfm_quorlin_supervision_required", true}});
+    EXPECT_TRUE(
+        domainWith({}, {keyTree("A", "string"), withSubkeys(keyTree("B", "dictionary"), {supervised})})
+            ->containsSupervisedOnlyKeys());
+    EXPECT_FALSE(domainWith({{"pfm_quorlin_supervision_required", true}})->containsSupervisedOnlyKeys());
+}
+
+TEST(DomainAvailability, WithoutAnyKeyEveryModelIsSupportedWithoutVersions) {
+    const auto domain = domainWith({});
+    ASSERT_TRUE(domain->supportedPlatforms());
+    EXPECT_EQ(domain->supportedPlatforms()->platforms(),
+              (std::set<SupportedPlatform>{{Model::iOS, std::nullopt},
+                                           {Model::macOS, std::nullopt},
+                                           {Model::tvOS, std::nullopt},
+                                           {Model::watchOS, std::nullopt}}));
+}
+
+TEST(DomainAvailability, ExtendedFormatDerivesPlatformsAndNotAvailableRemovesOne) {
+    const auto domain = domainWith(
+        {{"pfmx_supported_oses",
+          Dictionary{{"iOS", Dictionary{{"pfmx_introduced", "13.0"}}},
+                     {"macOS", Dictionary{{"pfmx_introduced", "n/a"}}},
+                     {"tvOS", Dictionary{{"pfmx_introduced", "13.0"}, {"pfmx_deprecated", "17.0"}}}}},
+         {"pfm_quorlin_platforms", Array{"macos"}}});
+    ASSERT_TRUE(domain->supportedOSes());
+    EXPECT_TRUE(domain->supportedOSes()->supportedOS(Model::macOS));
+    EXPECT_EQ(domain->supportedPlatforms()->platforms(),
+              (std::set<SupportedPlatform>{{Model::iOS, StageVersions{{Stage::introduction, "13.0"}}},
+                                           {Model::tvOS, StageVersions{{Stage::introduction, "13.0"},
+                                                                       {Stage::deprecation, "17.0"}}}}));
+}
+
+TEST(DomainAvailability, OlderKeysServeWhenTheExtendedFormatCannotBeDecoded) {
+    const auto domain =
+        domainWith({{"pfmx_supported_oses", Dictionary{{"iOS", Dictionary{{"pfmx_removed", 16}}}}},
+                    {"pfm_quorlin_platforms", Array{"iOS", "watchOS"}},
+                    {"pfm_quorlin_ios_introduction", "10.0"},
+                    {"pfm_quorlin_macos_introduction", "10.12"}});
+    EXPECT_FALSE(domain->supportedOSes());
+    EXPECT_EQ(domain->supportedPlatforms()->platforms(),
+              (std::set<SupportedPlatform>{{Model::iOS, StageVersions{{Stage::introduction, "10.0"}}},
+                                           {Model::watchOS, std::nullopt}}));
+
+    const auto versionsOnly = domainWith({{"pfm_quorlin_tvos_removal", "15.0"}});
+    EXPECT_EQ(versionsOnly->supportedPlatforms()->platforms().size(), 4u);
+    EXPECT_EQ(versionsOnly->supportedPlatforms()->versions(Model::tvOS),
+              (StageVersions{{Stage::removal, "15.0"}}));
+}
+
+TEST(DomainDisplayGroups, SortedLabelsWithTheRestUnderOther) {
+    const auto domain = domainWith({{"pfm_quorlin_groups", Dictionary{{"Security", Array{"Password"}},
+                                                                      {"Network", Array{"Host", "Port"}}}}},
+                                   {keyTree("Host", "string"), keyTree("Password", "string"),
+                                    keyTree("Misc", "string"), keyTree("Port", "integer")});
+    ASSERT_TRUE(domain->displayGroupsLabelMap());
+    EXPECT_EQ(*domain->displayGroupsLabelMap(),
+              (QMap<int, QString>{{0, "Network"}, {1, "Security"}, {2, "Other"}}));
+    EXPECT_EQ(groupIndexes(*domain),
+              (std::map<QString, int>{{"Host", 0}, {"Port", 0}, {"Password", 1}, {"Misc", 2}}));
+}
+
+TEST(DomainDisplayGroups, OrderArrayDecidesAndLabelsMissingFromItGetNoIndex) {
+    const Dictionary groups{{"Security", Array{"Password"}}, {"Network", Array{"Host", "Port"}}};
+    const Array keys{keyTree("Host", "string"), keyTree("Password", "string"), keyTree("Misc", "string"),
+                     keyTree("Port", "integer")};
+    const auto ordered = domainWith(
+        {{"pfm_quorlin_groups", groups}, {"pfm_quorlin_groups_order", Array{"Security", "Network"}}}, keys);
+    EXPECT_EQ(*ordered->displayGroupsLabelMap(),
+              (QMap<int, QString>{{0, "Security"}, {1, "Network"}, {2, "Other"}}));
+    EXPECT_EQ(groupIndexes(*ordered),
+              (std::map<QString, int>{{"Host", 1}, {"Port", 1}, {"Password", 0}, {"Misc", 2}}));
+
+    const auto partial = domainWith({{"pfm_quorlin_groups", groups},
+                                     {"pfm_quorlin_groups_order", Array{"Security", "Unused", "Security"}}},
+                                    keys);
+    EXPECT_EQ(*partial->displayGroupsLabelMap(), (QMap<int, QString>{{0, "Security"}, {1, "Other"}}));
+    EXPECT_EQ(groupIndexes(*partial),
+              (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", 0}, {"Misc", 1}}));
+}
+
+TEST(DomainDisplayGroups, NeedTwoGroupsInTheManifestAndTwoThatGetKeys) {
+    const auto oneGroup = domainWith({{"pfm_quorlin_groups", Dictionary{{"Network", Array{"Host"}}}}});
+    EXPECT_FALSE(oneGroup->displayGroupsLabelMap());
+    EXPECT_EQ(groupIndexes(*oneGroup),
+              (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", -1}}));
+
+    const auto oneMatching =
+        domainWith({{"pfm_quorlin_groups",
+                     Dictionary{{"Network", Array{"Host", "Port", "Password"}}, {"Empty", Array{"Gone"}}}}});
+    EXPECT_FALSE(oneMatching->displayGroupsLabelMap());
+
+    // A group whose names aren't an array can't be read and doesn't count.
+    const auto unreadable = domainWith(
+        {{"pfm_quorlin_groups", Dictionary{{"Network", Array{"Host"}}, {"Security", "Password"}}}});
+    EXPECT_FALSE(unreadable->displayGroupsLabelMap());
+}
+
+TEST(DomainDisplayGroups, InvisibleKeysCountNowhere) {
+    const auto domain = domainWith(
+        {{"pfm_quorlin_groups", Dictionary{{"A", Array{"Host", "Port"}}, {"B", Array{"Password"}}}}},
+        {keyTree("Host", "string"), keyTree("Port", "integer"),
+         keyTree("Password", "string", {{"pfm_quorlin_user_visible", false}}),
+         keyTree("Hidden", "string", {{"pfm_quorlin_user_visible", false}})});
+    EXPECT_FALSE(domain->displayGroupsLabelMap());
+}
+
+TEST(DomainDisplayGroups, OtherLabelStepsAsideForAGroupOfThatName) {
+    const Array keys{keyTree("Host", "string"), keyTree("Port", "integer"), keyTree("Password", "string")};
+    const auto once = domainWith(
+        {{"pfm_quorlin_groups", Dictionary{{"Other", Array{"Host"}}, {"Security", Array{"Password"}}}}},
+        keys);
+    EXPECT_EQ(*once->displayGroupsLabelMap(),
+              (QMap<int, QString>{{0, "Other"}, {1, "Security"}, {2, "Other 1"}}));
+
+    const auto twice = domainWith(
+        {{"pfm_quorlin_groups", Dictionary{{"Other", Array{"Host"}}, {"Other 1", Array{"Password"}}}}}, keys);
+    EXPECT_EQ(*twice->displayGroupsLabelMap(),
+              (QMap<int, QString>{{0, "Other"}, {1, "Other 1"}, {2, "Other 2"}}));
+    EXPECT_EQ(groupIndexes(*twice), (std::map<QString, int>{{"Host", 0}, {"Port", 2}, {"Password", 1}}));
+}
+
+TEST(DomainLifetime, KeysOutliveTheirDomainWhenSomeoneHoldsThem) {
+    std::shared_ptr<const PFMKeyPrototype> kept;
+    std::weak_ptr<const PFMDomain> watched;
+    {
+        const auto domain = domainWith({});
+        watched = domain;
+        kept = domain->keyPrototypes()[1];
+    }
+    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(kept->name(), QStringLiteral("Port"));
+    EXPECT_EQ(kept->kind(), PFMKeyPrototype::Kind::integer);
+}

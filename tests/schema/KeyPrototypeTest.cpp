@@ -1,0 +1,559 @@
+#include "schema/PFMKeyPrototype.h"
+#include "support/TestSupport.h"
+
+#include "SchemaTrees.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorlin;
+using plist::Array;
+using plist::Dictionary;
+using plist::Value;
+using quorlin::test::itemTree;
+using quorlin::test::keyTree;
+using Kind = PFMKeyPrototype::Kind;
+using Represented = PFMKeyPrototype::RepresentableDictionary;
+
+namespace {
+
+std::shared_ptr<const PFMKeyPrototype> parseKey(const Dictionary& dictionary,
+                                                bool allowsMissingName = false) {
+    return PFMKeyPrototype::make(dictionary, allowsMissingName);
+}
+
+Dictionary withSubkeys(Dictionary key, const Array& subkeys) {
+    key.insert(QStringLiteral("pfm_subkeys"), subkeys);
+    return key;
+}
+
+} // namespace
+
+TEST(KeyPrototypeKinds, AreTheEightLowerCaseWordsAndNothingElse) {
+    const std::vector<std::pair<const char*, Kind>> words{
+        {"boolean", Kind::boolean}, {"integer", Kind::integer},
+        {"real", Kind::real},       {"string", Kind::string},
+        {"data", Kind::data},       {"date", Kind::date},
+        {"array", Kind::array},     {"dictionary", Kind::dictionary}};
+    for (const auto& [word, kind] : words) {
+        const auto key = parseKey(keyTree("Key", word));
+        ASSERT_TRUE(key) << word;
+        EXPECT_EQ(key->kind(), kind) << word;
+        EXPECT_EQ(PFMKeyPrototype::rawValue(kind), QString::fromUtf8(word));
+    }
+    for (const char* word : {"Boolean", "STRING", "float", "bool", "dict", ""})
+        EXPECT_FALSE(parseKey(keyTree("Key", word))) << word;
+    EXPECT_FALSE(parseKey(Dictionary{{"pfm_name", "Key"}, {"pfm_type", 1}}));
+    EXPECT_FALSE(parseKey(Dictionary{{"pfm_name", "Key"}}));
+}
+
+TEST(KeyPrototypeNames, AreMandatoryUnlessTheCallerAllowsItems) {
+    const Dictionary nameless = itemTree("string");
+    EXPECT_FALSE(parseKey(nameless, false));
+    const auto item = parseKey(nameless, true);
+    ASSERT_TRUE(item);
+    EXPECT_FALSE(item->name());
+    EXPECT_EQ(item->title(), QString());
+
+    const Dictionary numericName{{"pfm_name", 7}, {"pfm_type", "string"}};
+    EXPECT_FALSE(parseKey(numericName, false));
+    ASSERT_TRUE(parseKey(numericName, true));
+    EXPECT_FALSE(parseKey(numericName, true)->name());
+
+    const auto titled = parseKey(itemTree("string", {{"pfm_title", "Server"}}), true);
+    EXPECT_EQ(titled->title(), QStringLiteral("Server"));
+}
+
+TEST(KeyPrototypeDefaults, HoldForAKeyThatGivesOnlyNameAndType) {
+    const auto key = parseKey(keyTree("allowCamera", "boolean"));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->name(), QStringLiteral("allowCamera"));
+    EXPECT_EQ(key->title(), QStringLiteral("Allow Camera"));
+    EXPECT_EQ(key->descriptionLine(), QString());
+    EXPECT_FALSE(key->format());
+    EXPECT_FALSE(key->rangeMin());
+    EXPECT_FALSE(key->rangeMax());
+    EXPECT_FALSE(key->rangeList());
+    EXPECT_FALSE(key->defaultValue());
+    EXPECT_TRUE(key->subkeys().isEmpty());
+    EXPECT_FALSE(key->required());
+    EXPECT_TRUE(key->conditionalPrototypes().isEmpty());
+    EXPECT_FALSE(key->repetitionMin());
+    EXPECT_FALSE(key->repetitionMax());
+    EXPECT_FALSE(key->defaultGenerate());
+    EXPECT_TRUE(key->userVisible());
+    EXPECT_TRUE(key->userEditable());
+    EXPECT_FALSE(key->controlType());
+    EXPECT_FALSE(key->sortingIndex());
+    EXPECT_FALSE(key->ghost());
+    EXPECT_FALSE(key->prettyRangeList());
+    EXPECT_FALSE(key->valuePlaceholder());
+    EXPECT_EQ(key->indentationLevel(), 0);
+    EXPECT_FALSE(key->displayGroupIndex());
+    EXPECT_FALSE(key->allowedFileExtensions());
+    EXPECT_FALSE(key->allowedDataSignatures());
+    EXPECT_FALSE(key->typeAdapter());
+    EXPECT_FALSE(key->requiresSupervision());
+    EXPECT_FALSE(key->documentationURL());
+    EXPECT_FALSE(key->supportedModels());
+    EXPECT_FALSE(key->lifeCycleVersions());
+    EXPECT_FALSE(key->supportedOSes());
+    EXPECT_FALSE(key->suggestions());
+    EXPECT_FALSE(key->note());
+    EXPECT_EQ(key->representedDictionary(), Represented::notADictionary);
+}
+
+TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
+    const QByteArray signature("\x89PNG", 4);
+    const auto key =
+        parseKey(keyTree("Certificate", "data",
+                         {{"pfm_title", "Certificate File"},
+                          {"pfm_description", "The certificate to install"},
+                          {"pfm_format", "^[A-Z]+$"},
+                          {"pfm_range_min", 1},
+                          {"pfm_range_max", 4096},
+                          {"pfm_range_list", Array{QByteArray("a"), QByteArray("b")}},
+                          {"pfm_quorlin_suggestions", Array{"one", "two"}},
+                          {"pfm_require", "always"},
+                          {"pfm_default", QByteArray("abc")},
+                          {"pfm_quorlin_user_visible", false},
+                          {"pfm_quorlin_user_editable", false},
+                          {"pfm_quorlin_sorting_index", 12},
+                          {"pfm_quorlin_default_generate", "uuid"},
+                          {"pfm_quorlin_ghost_key", true},
+                          {"pfm_quorlin_pretty_range_list", Dictionary{{"a", "Letter A"}}},
+                          {"pfm_quorlin_value_placeholder", "Choose a file"},
+                          {"pfm_quorlin_indentation_level", 2},
+                          {"pfm_quorlin_control_type", "file"},
+                          {"pfm_quorlin_type_adapter", "data-to-hex-string"},
+                          {"pfm_quorlin_supervision_required", true},
+                          {"pfm_quorlin_documentation_url", "https://example.org/certificates#install"},
+                          {"pfm_repetition_min", 1},
+                          {"pfm_repetition_max", 3},
+                          {"pfm_quorlin_allowed_file_extensions", Array{"cer", "pem"}},
+                          {"pfm_quorlin_allowed_data_signatures", Array{signature}},
+                          {"pfm_quorlin_note", "Shown in the information panel"}}));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->title(), QStringLiteral("Certificate File"));
+    EXPECT_EQ(key->descriptionLine(), QStringLiteral("The certificate to install"));
+    EXPECT_EQ(key->format(), QStringLiteral("^[A-Z]+$"));
+    EXPECT_EQ(key->rangeMin(), 1);
+    EXPECT_EQ(key->rangeMax(), 4096);
+    EXPECT_EQ(key->rangeList(), (Array{QByteArray("a"), QByteArray("b")}));
+    EXPECT_EQ(key->suggestions(), (Array{"one", "two"}));
+    EXPECT_TRUE(key->required());
+    EXPECT_EQ(key->defaultValue(), Value(QByteArray("abc")));
+    EXPECT_FALSE(key->userVisible());
+    EXPECT_FALSE(key->userEditable());
+    EXPECT_EQ(key->sortingIndex(), 12);
+    EXPECT_EQ(key->defaultGenerate(), QStringLiteral("uuid"));
+    EXPECT_TRUE(key->ghost());
+    EXPECT_EQ(key->prettyRangeList(), (Dictionary{{"a", "Letter A"}}));
+    EXPECT_EQ(key->valuePlaceholder(), QStringLiteral("Choose a file"));
+    EXPECT_EQ(key->indentationLevel(), 2);
+    EXPECT_EQ(key->controlType(), QStringLiteral("file"));
+    EXPECT_EQ(key->typeAdapter(), QStringLiteral("data-to-hex-string"));
+    EXPECT_TRUE(key->requiresSupervision());
+    EXPECT_EQ(key->documentationURL(), QUrl(QStringLiteral("https://example.org/certificates#install")));
+    EXPECT_EQ(key->repetitionMin(), 1);
+    EXPECT_EQ(key->repetitionMax(), 3);
+    EXPECT_EQ(key->allowedFileExtensions(), (QStringList{"cer", "pem"}));
+    EXPECT_EQ(key->allowedDataSignatures(), QList<QByteArray>{signature});
+    EXPECT_EQ(key->note(), QStringLiteral("Shown in the information panel"));
+}
+
+TEST(KeyPrototypeFields, OfTheWrongTypeCountAsAbsentAndKeepTheKey) {
+    const auto key = parseKey(keyTree("Server", "string",
+                                      {{"pfm_title", 5},
+                                       {"pfm_description", Array{}},
+                                       {"pfm_format", true},
+                                       {"pfm_range_min", "1"},
+                                       {"pfm_range_max", Dictionary{}},
+                                       {"pfm_range_list", "a"},
+                                       {"pfm_quorlin_suggestions", Dictionary{}},
+                                       {"pfm_conditionals", Dictionary{}},
+                                       {"pfm_exclude", "x"},
+                                       {"pfm_require", true},
+                                       {"pfm_default", 3},
+                                       {"pfm_quorlin_user_visible", "false"},
+                                       {"pfm_quorlin_user_editable", 0},
+                                       {"pfm_quorlin_sorting_index", "1"},
+                                       {"pfm_quorlin_default_generate", 1},
+                                       {"pfm_quorlin_ghost_key", 1},
+                                       {"pfm_quorlin_pretty_range_list", Array{}},
+                                       {"pfm_quorlin_value_placeholder", 1},
+                                       {"pfm_quorlin_indentation_level", 2.0},
+                                       {"pfm_quorlin_control_type", Array{}},
+                                       {"pfmx_supported_oses", Array{}},
+                                       {"pfm_quorlin_platforms", "ios"},
+                                       {"pfm_quorlin_ios_introduction", 13},
+                                       {"pfm_quorlin_supervision_required", "yes"},
+                                       {"pfm_quorlin_documentation_url", 1},
+                                       {"pfm_repetition_min", 1.0},
+                                       {"pfm_repetition_max", "3"},
+                                       {"pfm_subkeys", Dictionary{}},
+                                       {"pfm_quorlin_note", false}}));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->title(), QStringLiteral("Server"));
+    EXPECT_EQ(key->descriptionLine(), QString());
+    EXPECT_FALSE(key->format());
+    EXPECT_FALSE(key->rangeMin());
+    EXPECT_FALSE(key->rangeMax());
+    EXPECT_FALSE(key->rangeList());
+    EXPECT_FALSE(key->suggestions());
+    EXPECT_TRUE(key->conditionalPrototypes().isEmpty());
+    EXPECT_FALSE(key->required());
+    EXPECT_FALSE(key->defaultValue());
+    EXPECT_TRUE(key->userVisible());
+    EXPECT_TRUE(key->userEditable());
+    EXPECT_FALSE(key->sortingIndex());
+    EXPECT_FALSE(key->defaultGenerate());
+    EXPECT_FALSE(key->ghost());
+    EXPECT_FALSE(key->prettyRangeList());
+    EXPECT_FALSE(key->valuePlaceholder());
+    EXPECT_EQ(key->indentationLevel(), 0);
+    EXPECT_FALSE(key->controlType());
+    EXPECT_FALSE(key->supportedOSes());
+    EXPECT_FALSE(key->supportedModels());
+    EXPECT_FALSE(key->lifeCycleVersions());
+    EXPECT_FALSE(key->requiresSupervision());
+    EXPECT_FALSE(key->documentationURL());
+    EXPECT_FALSE(key->repetitionMin());
+    EXPECT_FALSE(key->repetitionMax());
+    EXPECT_TRUE(key->subkeys().isEmpty());
+    EXPECT_FALSE(key->note());
+}
+
+TEST(KeyPrototypeFields, NumberLimitsAreIntegerValuesOfAnyNumber) {
+    const auto key = parseKey(
+        keyTree("Ratio", "real",
+                {{"pfm_range_min", -2.7}, {"pfm_range_max", 1.5}, {"pfm_quorlin_sorting_index", 3.9}}));
+    EXPECT_EQ(key->rangeMin(), -2);
+    EXPECT_EQ(key->rangeMax(), 1);
+    EXPECT_EQ(key->sortingIndex(), 3);
+    const auto flagged = parseKey(keyTree("Count", "integer", {{"pfm_range_max", true}}));
+    EXPECT_EQ(flagged->rangeMax(), 1);
+}
+
+TEST(KeyPrototypeFields, DescriptionTurnsEveryBackslashNIntoALineBreak) {
+    const auto key =
+        parseKey(keyTree("Key", "string", {{"pfm_description", "First line\\nSecond line\\nThird \\\\n"}}));
+    EXPECT_EQ(key->descriptionLine(), QStringLiteral("First line\nSecond line\nThird \\\n"));
+}
+
+TEST(KeyPrototypeFields, DefaultMustBeOfThePlistClassOfTheKind) {
+    struct Case {
+        const char* type;
+        Value value;
+        bool kept;
+    };
+    const std::vector<Case> cases{
+        {"boolean", true, true},
+        {"boolean", 1, true}, // a number all the same
+        {"boolean", "true", false},
+        {"integer", 5, true},
+        {"integer", 5.5, true},
+        {"integer", "5", false},
+        {"real", 0.25, true},
+        {"real", Array{}, false},
+        {"string", "text", true},
+        {"string", 1, false},
+        {"data", QByteArray("xyz"), true},
+        {"data", "xyz", false},
+        {"date", plist::Date{1000}, true},
+        {"date", "2020-01-01T00:00:00Z", false},
+        {"array", Array{1, 2}, true},
+        {"array", Dictionary{}, false},
+        {"dictionary", Dictionary{{"a", 1}}, true},
+        {"dictionary", Array{}, false},
+    };
+    for (const Case& c : cases) {
+        const auto key = parseKey(keyTree("Key", c.type, {{"pfm_default", c.value}}));
+        ASSERT_TRUE(key) << c.type;
+        EXPECT_EQ(key->defaultValue().has_value(), c.kept)
+            << c.type << " " << c.value.debugDescription().toStdString();
+        if (c.kept) {
+            EXPECT_EQ(*key->defaultValue(), c.value);
+        }
+    }
+}
+
+TEST(KeyPrototypeFields, RequiredOnlyForExactlyAlways) {
+    EXPECT_TRUE(parseKey(keyTree("Key", "string", {{"pfm_require", "always"}}))->required());
+    for (const char* word : {"push", "Always", "ALWAYS", "never", ""})
+        EXPECT_FALSE(parseKey(keyTree("Key", "string", {{"pfm_require", word}}))->required()) << word;
+}
+
+TEST(KeyPrototypeFields, TypeAdapterIsReadOnlyWithAControlType) {
+    const auto withoutControl =
+        parseKey(keyTree("Key", "data", {{"pfm_quorlin_type_adapter", "data-to-hex"}}));
+    EXPECT_FALSE(withoutControl->typeAdapter());
+    const auto withControl = parseKey(keyTree(
+        "Key", "data", {{"pfm_quorlin_control_type", "text"}, {"pfm_quorlin_type_adapter", "data-to-hex"}}));
+    EXPECT_EQ(withControl->typeAdapter(), QStringLiteral("data-to-hex"));
+}
+
+TEST(KeyPrototypeFields, FileRestrictionsBelongToDataKeysAndSkipForeignElements) {
+    const QByteArray pdf("%PDF");
+    const Dictionary restrictions{{"pfm_quorlin_allowed_file_extensions", Array{"pem", 3, "cer"}},
+                                  {"pfm_quorlin_allowed_data_signatures", Array{pdf, "%PDF"}}};
+    const auto dataKey = parseKey(keyTree("File", "data", restrictions));
+    EXPECT_EQ(dataKey->allowedFileExtensions(), (QStringList{"pem", "cer"}));
+    EXPECT_EQ(dataKey->allowedDataSignatures(), QList<QByteArray>{pdf});
+
+    const auto stringKey = parseKey(keyTree("File", "string", restrictions));
+    EXPECT_FALSE(stringKey->allowedFileExtensions());
+    EXPECT_FALSE(stringKey->allowedDataSignatures());
+
+    const auto emptyLists = parseKey(keyTree("File", "data",
+                                             {{"pfm_quorlin_allowed_file_extensions", Array{}},
+                                              {"pfm_quorlin_allowed_data_signatures", Array{}}}));
+    EXPECT_FALSE(emptyLists->allowedFileExtensions());
+    EXPECT_FALSE(emptyLists->allowedDataSignatures());
+
+    // The manifest's list wasn't empty, so a list is stored, with nothing readable in it.
+    const auto foreignOnly = parseKey(keyTree("File", "data",
+                                              {{"pfm_quorlin_allowed_file_extensions", Array{1}},
+                                               {"pfm_quorlin_allowed_data_signatures", Array{"x"}}}));
+    ASSERT_TRUE(foreignOnly->allowedFileExtensions());
+    EXPECT_TRUE(foreignOnly->allowedFileExtensions()->isEmpty());
+    ASSERT_TRUE(foreignOnly->allowedDataSignatures());
+    EXPECT_TRUE(foreignOnly->allowedDataSignatures()->isEmpty());
+}
+
+TEST(KeyPrototypeFields, DocumentationURLMustReadAsAURL) {
+    EXPECT_EQ(
+        parseKey(keyTree("Key", "string", {{"pfm_quorlin_documentation_url", "https://example.org/a?b=c"}}))
+            ->documentationURL(),
+        QUrl(QStringLiteral("https://example.org/a?b=c")));
+    for (const char* text : {"", "http://exa mple.org/", "http://[::1"})
+        EXPECT_FALSE(
+            parseKey(keyTree("Key", "string", {{"pfm_quorlin_documentation_url", text}}))->documentationURL())
+            << text;
+}
+
+TEST(KeyPrototypeConditionals, RequirementRulesComeFirstAndBadRulesAreSkippedAlone) {
+    const Dictionary condition{{"pfm_target", "Enabled"}, {"pfm_present", true}};
+    const auto key = parseKey(
+        keyTree("Server", "string",
+                {{"pfm_exclude", Array{Dictionary{{"pfm_target_conditions", Array{condition}},
+                                                  {"pfm_quorlin_exclusion_disables", true}}}},
+                 {"pfm_conditionals",
+                  Array{Dictionary{{"pfm_target_conditions", Array{condition}}}, "not a rule",
+                        Dictionary{{"pfm_target_conditions", Array{}}},
+                        Dictionary{{"pfm_target_conditions", Array{condition}}, {"pfm_require", "push"}}}}}));
+    const auto& rules = key->conditionalPrototypes();
+    ASSERT_EQ(rules.size(), 3);
+    EXPECT_EQ(rules[0].kind(), PFMConditionalPrototype::Kind::requirement);
+    EXPECT_EQ(rules[0].requireStatus(), PFMConditionalPrototype::RequireStatus::always);
+    EXPECT_EQ(rules[1].kind(), PFMConditionalPrototype::Kind::requirement);
+    EXPECT_EQ(rules[1].requireStatus(), PFMConditionalPrototype::RequireStatus::push);
+    EXPECT_EQ(rules[2].kind(), PFMConditionalPrototype::Kind::exclusion);
+    EXPECT_TRUE(rules[2].exclusionDisables());
+}
+
+TEST(KeyPrototypeAvailability, ExtendedFormatWinsAndOlderKeysAreTheFallback) {
+    using Model = PFMSupportedPlatforms::Model;
+    using Stage = PFMSupportedPlatforms::LifeCycleStage;
+    const Dictionary older{{"pfm_quorlin_platforms", Array{"macOS"}},
+                           {"pfm_quorlin_macos_introduction", "10.15"}};
+
+    Dictionary both = keyTree("Key", "string", older);
+    both.insert("pfmx_supported_oses", Dictionary{{"iOS", Dictionary{{"pfmx_introduced", "14.0"}}}});
+    const auto extended = parseKey(both);
+    ASSERT_TRUE(extended->supportedOSes());
+    EXPECT_EQ(extended->supportedOSes()->supportedOS(Model::iOS)->introduced, QStringLiteral("14.0"));
+    EXPECT_FALSE(extended->supportedModels());
+    EXPECT_FALSE(extended->lifeCycleVersions());
+
+    Dictionary undecodable = keyTree("Key", "string", older);
+    undecodable.insert("pfmx_supported_oses", Dictionary{{"iOS", Dictionary{{"pfmx_introduced", 14}}}});
+    const auto fallback = parseKey(undecodable);
+    EXPECT_FALSE(fallback->supportedOSes());
+    EXPECT_EQ(fallback->supportedModels(), PFMSupportedPlatforms::Models{Model::macOS});
+    ASSERT_TRUE(fallback->lifeCycleVersions());
+    EXPECT_EQ(fallback->lifeCycleVersions()->at(Model::macOS).at(Stage::introduction),
+              QStringLiteral("10.15"));
+}
+
+TEST(KeyPrototypeSubkeys, NamelessItemsSurviveOnlyInArrays) {
+    const Array subkeys{itemTree("string"), keyTree("Named", "string")};
+    const auto array = parseKey(withSubkeys(keyTree("List", "array"), subkeys));
+    ASSERT_EQ(array->subkeys().size(), 2);
+    EXPECT_FALSE(array->subkeys()[0]->name());
+
+    const auto dictionary = parseKey(withSubkeys(keyTree("Settings", "dictionary"), subkeys));
+    ASSERT_EQ(dictionary->subkeys().size(), 1);
+    EXPECT_EQ(dictionary->subkeys()[0]->name(), QStringLiteral("Named"));
+
+    // The list parser on its own follows the caller's word.
+    EXPECT_EQ(PFMKeyPrototype::parseSubkeyList(subkeys, false).size(), 1);
+    EXPECT_EQ(PFMKeyPrototype::parseSubkeyList(subkeys, true).size(), 2);
+}
+
+TEST(KeyPrototypeSubkeys, UnreadableEntriesAreSkippedAndAnEmptyResultIsNotStored) {
+    const auto key =
+        parseKey(withSubkeys(keyTree("Settings", "dictionary"),
+                             Array{42, "text", keyTree("Bad", "float"), keyTree("Good", "integer"),
+                                   Array{keyTree("Nested", "string")}}));
+    ASSERT_EQ(key->subkeys().size(), 1);
+    EXPECT_EQ(key->subkeys()[0]->name(), QStringLiteral("Good"));
+
+    const auto onlyBad =
+        parseKey(withSubkeys(keyTree("Settings", "dictionary"), Array{keyTree("Bad", "Boolean")}));
+    EXPECT_TRUE(onlyBad->subkeys().isEmpty());
+    EXPECT_EQ(onlyBad->representedDictionary(), Represented::customDictionary);
+}
+
+TEST(KeyPrototypeRepresentedDictionary, DependsOnKindAndSubkeyNames) {
+    const auto dictionaryWith = [](const Array& subkeys) {
+        return parseKey(withSubkeys(keyTree("D", "dictionary"), subkeys))->representedDictionary();
+    };
+    EXPECT_EQ(parseKey(keyTree("D", "dictionary"))->representedDictionary(), Represented::customDictionary);
+    EXPECT_EQ(dictionaryWith({keyTree("{{key}}", "string"), keyTree("{{value}}", "string")}),
+              Represented::customDictionary);
+    EXPECT_EQ(dictionaryWith({keyTree("{{value}}", "integer"), keyTree("{{key}}", "string")}),
+              Represented::customDictionary);
+    EXPECT_EQ(dictionaryWith({keyTree("{{key}}", "string"), keyTree("Value", "string")}),
+              Represented::conventionalDictionary);
+    EXPECT_EQ(dictionaryWith({keyTree("{{key}}", "string")}), Represented::conventionalDictionary);
+    EXPECT_EQ(dictionaryWith(
+                  {keyTree("{{key}}", "string"), keyTree("{{value}}", "string"), keyTree("X", "string")}),
+              Represented::conventionalDictionary);
+    EXPECT_EQ(dictionaryWith({keyTree("Name", "string")}), Represented::conventionalDictionary);
+
+    const auto array = parseKey(withSubkeys(keyTree("A", "array"), {itemTree("dictionary")}));
+    EXPECT_EQ(array->representedDictionary(), Represented::notADictionary);
+    EXPECT_EQ(parseKey(keyTree("S", "string"))->representedDictionary(), Represented::notADictionary);
+}
+
+TEST(KeyPrototypeSearchStrings, WalkNamedKeysDepthFirstButNotIntoCustomDictionaries) {
+    const auto key = parseKey(withSubkeys(
+        keyTree("VPN", "dictionary", {{"pfm_title", "VPN Settings"}, {"pfm_description", "Tunnel\\nsetup"}}),
+        {withSubkeys(keyTree("Server", "dictionary"),
+                     {keyTree("Host", "string"), keyTree("Port", "integer")}),
+         withSubkeys(keyTree("Extra", "dictionary"),
+                     {keyTree("{{key}}", "string"), keyTree("{{value}}", "string")}),
+         withSubkeys(keyTree("Rules", "array"),
+                     {withSubkeys(itemTree("dictionary"), {keyTree("RuleName", "string")})}),
+         keyTree("on_demand", "boolean", {{"pfm_description", "Connect when needed"}})}));
+    const auto strings = key->collectSearchStrings();
+    ASSERT_TRUE(strings);
+    EXPECT_EQ(strings->names, (QStringList{"VPN", "Server", "Host", "Port", "Extra", "Rules", "on_demand"}));
+    EXPECT_EQ(strings->titles,
+              (QStringList{"VPN Settings", "Server", "Host", "Port", "Extra", "Rules", "On demand"}));
+    EXPECT_EQ(strings->descriptions,
+              (QStringList{"Tunnel\nsetup", "", "", "", "", "", "Connect when needed"}));
+
+    EXPECT_FALSE(parseKey(itemTree("string", {{"pfm_title", "Item"}}), true)->collectSearchStrings());
+}
+
+TEST(KeyPrototypeSupervision, DeepFlagFindsASupervisedKeyAtAnyDepth) {
+    const Dictionary supervisedLeaf =
+        keyTree("Leaf", "boolean", {{"pfm_quorlin_supervision_required", true}});
+    const auto deep = parseKey(withSubkeys(
+        keyTree("Top", "dictionary"),
+        {keyTree("Plain", "string"), withSubkeys(keyTree("Middle", "dictionary"), {supervisedLeaf})}));
+    EXPECT_FALSE(deep->requiresSupervision());
+    EXPECT_TRUE(deep->requiresSupervisionDeep());
+    EXPECT_FALSE(deep->subkeys()[0]->requiresSupervisionDeep());
+
+    const auto none = parseKey(withSubkeys(keyTree("Top", "dictionary"), {keyTree("Plain", "string")}));
+    EXPECT_FALSE(none->requiresSupervisionDeep());
+}
+
+TEST(KeyPrototypeMatchesValue, ConventionalDictionariesCheckEveryEntryByType) {
+    const auto key = parseKey(
+        withSubkeys(keyTree("Account", "dictionary"),
+                    {keyTree("User", "string"), keyTree("Port", "integer"), keyTree("Secure", "boolean"),
+                     keyTree("Ratio", "real"), keyTree("Token", "data"), keyTree("Expiry", "date"),
+                     withSubkeys(keyTree("Options", "dictionary"), {keyTree("Retry", "integer")}),
+                     withSubkeys(keyTree("Hosts", "array"), {itemTree("string")})}));
+    const Dictionary full{{"User", "alex"},
+                          {"Port", 993},
+                          {"Secure", 1}, // any number fits a boolean
+                          {"Ratio", 2},
+                          {"Token", QByteArray("t")},
+                          {"Expiry", plist::Date{0}},
+                          {"Options", Dictionary{{"Retry", 3}}},
+                          {"Hosts", Array{"a.example", "b.example"}}};
+    EXPECT_TRUE(key->matchesValue(full));
+    EXPECT_TRUE(key->matchesValue(Dictionary{}));
+
+    const auto changed = [&](const QString& name, const Value& value) {
+        Dictionary copy = full;
+        copy.insert(name, value);
+        return key->matchesValue(copy);
+    };
+    EXPECT_FALSE(changed("Port", "993"));
+    EXPECT_FALSE(changed("User", 5));
+    EXPECT_FALSE(changed("Token", "t"));
+    EXPECT_FALSE(changed("Expiry", 0));
+    EXPECT_FALSE(changed("Unknown", "x"));
+    EXPECT_FALSE(changed("Options", Dictionary{{"Retry", "3"}}));
+    EXPECT_FALSE(changed("Options", Array{}));
+    EXPECT_FALSE(changed("Hosts", Array{"a.example", 7}));
+    EXPECT_FALSE(key->matchesValue(Array{}));
+    EXPECT_FALSE(key->matchesValue("text"));
+}
+
+TEST(KeyPrototypeMatchesValue, CustomDictionariesTakeAnyDictionaryAndArraysNeedAFitForEachItem) {
+    const auto custom = parseKey(withSubkeys(
+        keyTree("Free", "dictionary"), {keyTree("{{key}}", "string"), keyTree("{{value}}", "integer")}));
+    EXPECT_TRUE(custom->matchesValue(Dictionary{{"anything", Array{}}}));
+    EXPECT_FALSE(custom->matchesValue(Array{}));
+
+    const auto array = parseKey(
+        withSubkeys(keyTree("Mixed", "array"),
+                    {itemTree("string"), withSubkeys(itemTree("dictionary"), {keyTree("Name", "string")})}));
+    EXPECT_TRUE(array->matchesValue(Array{}));
+    EXPECT_TRUE(array->matchesValue(Array{"one", Dictionary{{"Name", "two"}}}));
+    EXPECT_FALSE(array->matchesValue(Array{"one", Dictionary{{"Other", "two"}}}));
+    EXPECT_FALSE(array->matchesValue(Array{QByteArray("bytes")}));
+    EXPECT_FALSE(array->matchesValue(Dictionary{}));
+
+    const auto noItems = parseKey(keyTree("Bare", "array"));
+    EXPECT_TRUE(noItems->matchesValue(Array{}));
+    EXPECT_FALSE(noItems->matchesValue(Array{"x"}));
+
+    EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Dictionary{}));
+    EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Array{}));
+}
+
+TEST(KeyPrototypeEmpty, IsAStringKeyWithAPlaceholderName) {
+    const auto empty = PFMKeyPrototype::makeEmpty();
+    ASSERT_TRUE(empty->name());
+    EXPECT_FALSE(empty->name()->isEmpty());
+    EXPECT_EQ(empty->title(), QStringLiteral("Empty prototype"));
+    EXPECT_EQ(empty->descriptionLine(), QStringLiteral("Empty prototype"));
+    EXPECT_EQ(empty->kind(), Kind::string);
+}
+
+TEST(TitleFromKeyName, KeepsSpacedNamesAndCapitalisesPlainOnes) {
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allow camera use"), QStringLiteral("allow camera use"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("Allow_Camera Use"), QStringLiteral("Allow_Camera Use"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("enabled"), QStringLiteral("Enabled"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("Payload"), QStringLiteral("Payload"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(""), QString());
+}
+
+TEST(TitleFromKeyName, BreaksCamelCaseRunsOfCapitalsAndUnderscores) {
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allowCameraUse"), QStringLiteral("Allow Camera Use"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("HTTPServerURL"), QStringLiteral("HTTP Server URL"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("isHTTPSEnabled"), QStringLiteral("Is HTTPS Enabled"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("DNSSettings"), QStringLiteral("DNS Settings"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("URL"), QStringLiteral("URL"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allow_camera"), QStringLiteral("Allow camera"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("use_VPN"), QStringLiteral("Use VPN"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("wifi_autoJoin"), QStringLiteral("Wifi auto Join"));
+}
+
+TEST(TitleFromKeyName, KeepsDigitsWithTheWordBeforeThem) {
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("SHA256Fingerprint"), QStringLiteral("SHA256 Fingerprint"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("port8080Enabled"), QStringLiteral("Port8080 Enabled"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("X509CertificateData"),
+              QStringLiteral("X509 Certificate Data"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("DNS64Prefix"), QStringLiteral("DNS64 Prefix"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("maxRetries3"), QStringLiteral("Max Retries3"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("ipv6"), QStringLiteral("Ipv6"));
+    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("use_802_1x"), QStringLiteral("Use 802 1x"));
+}
