@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
-#include <limits>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -16,11 +14,11 @@ constexpr qint64 headerSize = 8;
 constexpr qint64 trailerSize = 32;
 
 // A file may reference one object from many places, and decoding caches by
-// object so that costs nothing; but a handful of bytes can then stand for a
+// object so that costs nothing; but a few hundred bytes can then stand for a
 // tree of 2^60 nodes that every later walk would have to visit. The tree a
 // file unfolds into is therefore held to a few times what its reference slots
-// could spell out without sharing, with a floor for small files that share a
-// little. Files from Apple's writer never share containers and stay far below.
+// could spell out without sharing (a tree has one node per slot, plus the
+// root), with a floor so that small files may share a little.
 constexpr quint64 expansionFactor = 4;
 constexpr quint64 minimumExpansionBudget = quint64(1) << 16;
 
