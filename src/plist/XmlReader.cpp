@@ -7,7 +7,8 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,13 +18,25 @@ namespace quorlin::plist {
 namespace {
 
 // Whitespace-only text is kept when it is an element's only content, so that
-// "<string> </string>" is a space. Comments and processing instructions are
+// "<string> </string>" is a space. Line ends are kept as they are, as Apple's
+// parser keeps them: its writer puts a carriage return into text unescaped,
+// and it must read back as one. Comments and processing instructions are
 // dropped. No escapes are expanded by pugixml: TreeConverter does that itself
 // so that an unknown entity is an error rather than literal text. Parsing as
 // a fragment makes pugixml keep text outside the root element, which is
 // trailing garbage and must not be dropped silently.
-constexpr unsigned parseOptions = pugi::parse_cdata | pugi::parse_eol | pugi::parse_ws_pcdata_single |
-                                  pugi::parse_doctype | pugi::parse_fragment;
+constexpr unsigned parseOptions =
+    pugi::parse_cdata | pugi::parse_ws_pcdata_single | pugi::parse_doctype | pugi::parse_fragment;
+
+// Compares a null-terminated name with a literal, never reading past either end.
+template <size_t N>
+bool nameIs(const char* name, const char (&literal)[N]) {
+    for (size_t i = 0; i < N; ++i) {
+        if (name[i] != literal[i])
+            return false;
+    }
+    return true;
+}
 
 bool isWhitespace(std::string_view text) {
     return std::all_of(text.begin(), text.end(), XmlScalars::isXmlWhitespace);
@@ -179,7 +192,7 @@ private:
     bool convertDictionary(pugi::xml_node element, int depth, Value& out);
     bool convertPlist(pugi::xml_node element, Value& out);
     bool text(pugi::xml_node element, std::string_view& out);
-    bool string(pugi::xml_node element, QString& out);
+    bool string(pugi::xml_node element, QString& out, size_t maxShared);
     bool checkEmpty(pugi::xml_node element);
     pugi::xml_node nextElement(pugi::xml_node node);
     bool fail(pugi::xml_node node, const QString& reason);
@@ -188,6 +201,14 @@ private:
     std::string_view m_text;
     int m_maxDepth;
     std::string m_scratch;
+    // Keys and short strings recur throughout a document; sharing one QString
+    // for a recurring text spares a conversion and an allocation each time.
+    // Direct-mapped: a miss just replaces the slot, so a lookup never allocates.
+    struct CachedString {
+        std::string_view utf8;
+        QString string;
+    };
+    std::array<CachedString, 256> m_strings;
     bool m_childFailed = false; // set by nextElement when it meets text that doesn't belong
     ParseError m_error;
 };
@@ -234,7 +255,7 @@ bool TreeConverter::convertDocument(const pugi::xml_document& document, Value& r
         m_error = ParseError{QStringLiteral("No root element"), lineAt(m_text, m_text.size())};
         return false;
     }
-    if (std::strcmp(rootElement.name(), "plist") == 0)
+    if (nameIs(rootElement.name(), "plist"))
         return convertPlist(rootElement, root);
     return convert(rootElement, 0, root);
 }
@@ -254,13 +275,13 @@ bool TreeConverter::convert(pugi::xml_node element, int depth, Value& out) {
     const char* name = element.name();
     switch (name[0]) {
     case 'a':
-        if (std::strcmp(name, "array") == 0)
+        if (nameIs(name, "array"))
             return convertArray(element, depth + 1, out);
         break;
     case 'd':
-        if (std::strcmp(name, "dict") == 0)
+        if (nameIs(name, "dict"))
             return convertDictionary(element, depth + 1, out);
-        if (std::strcmp(name, "date") == 0) {
+        if (nameIs(name, "date")) {
             std::string_view content;
             if (!text(element, content))
                 return false;
@@ -270,7 +291,7 @@ bool TreeConverter::convert(pugi::xml_node element, int depth, Value& out) {
             out = *date;
             return true;
         }
-        if (std::strcmp(name, "data") == 0) {
+        if (nameIs(name, "data")) {
             std::string_view content;
             if (!text(element, content))
                 return false;
@@ -282,16 +303,16 @@ bool TreeConverter::convert(pugi::xml_node element, int depth, Value& out) {
         }
         break;
     case 's':
-        if (std::strcmp(name, "string") == 0) {
+        if (nameIs(name, "string")) {
             QString string;
-            if (!this->string(element, string))
+            if (!this->string(element, string, 16))
                 return false;
             out = string;
             return true;
         }
         break;
     case 'i':
-        if (std::strcmp(name, "integer") == 0) {
+        if (nameIs(name, "integer")) {
             std::string_view content;
             if (!text(element, content))
                 return false;
@@ -303,7 +324,7 @@ bool TreeConverter::convert(pugi::xml_node element, int depth, Value& out) {
         }
         break;
     case 'r':
-        if (std::strcmp(name, "real") == 0) {
+        if (nameIs(name, "real")) {
             std::string_view content;
             if (!text(element, content))
                 return false;
@@ -315,19 +336,19 @@ bool TreeConverter::convert(pugi::xml_node element, int depth, Value& out) {
         }
         break;
     case 't':
-        if (std::strcmp(name, "true") == 0) {
+        if (nameIs(name, "true")) {
             out = true;
             return checkEmpty(element);
         }
         break;
     case 'f':
-        if (std::strcmp(name, "false") == 0) {
+        if (nameIs(name, "false")) {
             out = false;
             return checkEmpty(element);
         }
         break;
     case 'k':
-        if (std::strcmp(name, "key") == 0)
+        if (nameIs(name, "key"))
             return fail(element, QStringLiteral("<key> outside a <dict>"));
         break;
     default:
@@ -347,6 +368,10 @@ bool TreeConverter::convertArray(pugi::xml_node element, int depth, Value& out) 
     if (depth > m_maxDepth)
         return fail(element, QStringLiteral("Nesting deeper than %1 levels").arg(m_maxDepth));
     Array array;
+    qsizetype count = 0;
+    for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling())
+        ++count;
+    array.reserve(count);
     for (pugi::xml_node child = nextElement(element.first_child()); child;
          child = nextElement(child.next_sibling())) {
         Value item;
@@ -363,33 +388,35 @@ bool TreeConverter::convertArray(pugi::xml_node element, int depth, Value& out) 
 bool TreeConverter::convertDictionary(pugi::xml_node element, int depth, Value& out) {
     if (depth > m_maxDepth)
         return fail(element, QStringLiteral("Nesting deeper than %1 levels").arg(m_maxDepth));
-    Dictionary dictionary;
-    Dictionary::Map& map = dictionary.map();
+    // Built as a std::map and handed over whole: entries are moved in, not copied.
+    std::map<QString, Value> entries;
     for (pugi::xml_node keyElement = nextElement(element.first_child()); keyElement;
          keyElement = nextElement(keyElement.next_sibling())) {
-        if (std::strcmp(keyElement.name(), "key") != 0)
+        if (!nameIs(keyElement.name(), "key"))
             return fail(keyElement,
                         QStringLiteral("<%1> without a <key> in <dict>").arg(elementName(keyElement)));
         QString key;
-        if (!string(keyElement, key))
+        if (!string(keyElement, key, 48))
             return false;
         const pugi::xml_node valueElement = nextElement(keyElement.next_sibling());
         if (m_childFailed)
             return false;
-        if (!valueElement)
-            return fail(keyElement, QStringLiteral("<key> \"%1\" without a value").arg(key.left(80)));
-        if (std::strcmp(valueElement.name(), "key") == 0)
-            return fail(valueElement, QStringLiteral("<key> \"%1\" without a value").arg(key.left(80)));
+        if (!valueElement || nameIs(valueElement.name(), "key"))
+            return fail(valueElement ? valueElement : keyElement,
+                        QStringLiteral("<key> \"%1\" without a value").arg(key.left(80)));
         Value value;
         if (!convert(valueElement, depth, value))
             return false;
         // Keys mostly come sorted, so the hint makes insertion constant time;
         // a repeated key replaces the earlier value, as Apple's parser does.
-        map.insert(map.cend(), key, value);
+        entries.insert_or_assign(entries.end(), std::move(key), std::move(value));
         keyElement = valueElement;
     }
     if (m_childFailed)
         return false;
+    Dictionary dictionary;
+    if (!entries.empty())
+        dictionary.map() = Dictionary::Map(std::move(entries));
     out = Value(std::move(dictionary));
     return true;
 }
@@ -427,11 +454,29 @@ bool TreeConverter::text(pugi::xml_node element, std::string_view& out) {
     return true;
 }
 
-bool TreeConverter::string(pugi::xml_node element, QString& out) {
+bool TreeConverter::string(pugi::xml_node element, QString& out, size_t maxShared) {
     std::string_view content;
     if (!text(element, content))
         return false;
-    out = QString::fromUtf8(content.data(), qsizetype(content.size()));
+    // Text joined in the scratch buffer is about to change, so it can't be a cache key.
+    if (content.data() == m_scratch.data() || content.size() > maxShared) {
+        out = QString::fromUtf8(content.data(), qsizetype(content.size()));
+        return true;
+    }
+    if (content.empty()) {
+        out = QString();
+        return true;
+    }
+    // A cheap hash is enough: a collision costs a conversion, never a wrong string.
+    const size_t size = content.size();
+    const size_t hash = size * 131 + uchar(content[size - 1]) * 31 + uchar(content[size / 2]) * 7 +
+                        uchar(content[(size - 1) * 3 / 4]);
+    CachedString& slot = m_strings[hash % m_strings.size()];
+    if (slot.utf8 != content || slot.string.isNull()) {
+        slot.utf8 = content;
+        slot.string = QString::fromUtf8(content.data(), qsizetype(content.size()));
+    }
+    out = slot.string;
     return true;
 }
 

@@ -238,7 +238,7 @@ TEST(XmlWriterTest, EdgeValuesRoundTrip) {
         {QStringLiteral("tenth"), 0.1},
         {QStringLiteral("third"), 1.0 / 3.0},
         {emoji, emoji + QStringLiteral(" <&>")},
-        {QStringLiteral("control"), QStringLiteral("tab\there\nnew line")},
+        {QStringLiteral("control"), QStringLiteral("tab\there\nnew line\r\nand\rreturn\x01")},
         {QStringLiteral("spaces"), QStringLiteral("  ")},
         {QStringLiteral("binary"), hundredBytes()},
         {QStringLiteral("uid-like"), Dictionary{{QStringLiteral("CF$UID"), 3}}},
