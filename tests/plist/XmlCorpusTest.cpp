@@ -149,8 +149,9 @@ TEST(XmlCorpusTest, FilesInAppleFormattingComeBackByteIdentical) {
         else
             faults << QStringLiteral("%1: %2").arg(name, firstDifference(original, *written));
     }
-    std::cout << identical << " of " << files.size() << " files come back byte-identical; " << appleFormatted
-              << " are in Apple's formatting.\n";
+    std::cout << identical << " of " << files.size() << " files ("
+              << 100.0 * double(identical) / double(files.size()) << "%) come back byte-identical; "
+              << appleFormatted << " are in Apple's formatting.\n";
     std::cout << "Not in Apple's formatting:\n";
     for (const QString& departure : departures)
         std::cout << "  " << departure.toStdString() << '\n';
