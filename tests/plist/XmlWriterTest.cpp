@@ -1,0 +1,254 @@
+#include "plist/XmlWriter.h"
+#include "plist/XmlReader.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+using namespace quorlin;
+using namespace quorlin::plist;
+
+namespace {
+
+const QByteArray header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                          "<plist version=\"1.0\">\n";
+
+QByteArray document(const QByteArray& body) {
+    return header + body + "</plist>\n";
+}
+
+QByteArray written(const Value& value) {
+    const auto bytes = XmlWriter::write(value);
+    EXPECT_TRUE(bytes.hasValue()) << (bytes.hasValue() ? "" : bytes.error().toStdString());
+    return bytes.hasValue() ? *bytes : QByteArray();
+}
+
+Value roundTripped(const Value& value) {
+    const auto bytes = XmlWriter::write(value);
+    if (!bytes)
+        return {};
+    const auto read = XmlReader::read(*bytes);
+    EXPECT_TRUE(read.hasValue()) << read.error().toString().toStdString();
+    return read.hasValue() ? *read : Value();
+}
+
+Date dateAt(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
+    return Date::fromDateTime(QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC));
+}
+
+// The 100 bytes 0x00..0x63 in base64: 136 characters.
+const QByteArray hundredBytesBase64 =
+    "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8gISIjJCUmJygpKissLS4vMDEyMzQ1Njc4"
+    "OTo7PD0+P0BBQkNERUZHSElKS0xNTk9QUVJTVFVWV1hZWltcXV5fYGFiYw==";
+
+QByteArray hundredBytes() {
+    QByteArray bytes;
+    for (int i = 0; i < 100; ++i)
+        bytes.append(char(i));
+    return bytes;
+}
+
+} // namespace
+
+TEST(XmlWriterTest, DictionaryOfScalarsHasAppleLayout) {
+    const Dictionary root{{QStringLiteral("Enabled"), true},
+                          {QStringLiteral("Disabled"), false},
+                          {QStringLiteral("Count"), 42},
+                          {QStringLiteral("Ratio"), 2.5},
+                          {QStringLiteral("Name"), QStringLiteral("Wi-Fi")},
+                          {QStringLiteral("Blob"), QByteArray("abc")},
+                          {QStringLiteral("When"), dateAt(2024, 2, 1, 10, 6, 10)}};
+    EXPECT_EQ(written(root), document("<dict>\n"
+                                      "\t<key>Blob</key>\n"
+                                      "\t<data>\n"
+                                      "\tYWJj\n"
+                                      "\t</data>\n"
+                                      "\t<key>Count</key>\n"
+                                      "\t<integer>42</integer>\n"
+                                      "\t<key>Disabled</key>\n"
+                                      "\t<false/>\n"
+                                      "\t<key>Enabled</key>\n"
+                                      "\t<true/>\n"
+                                      "\t<key>Name</key>\n"
+                                      "\t<string>Wi-Fi</string>\n"
+                                      "\t<key>Ratio</key>\n"
+                                      "\t<real>2.5</real>\n"
+                                      "\t<key>When</key>\n"
+                                      "\t<date>2024-02-01T10:06:10Z</date>\n"
+                                      "</dict>\n"));
+}
+
+TEST(XmlWriterTest, ContainersNestWithOneTabPerLevel) {
+    const Array root{Array{}, Dictionary{}, QString(),
+                     Array{Dictionary{{QStringLiteral("k"), Array{1}}}, QStringLiteral("x")}};
+    EXPECT_EQ(written(root), document("<array>\n"
+                                      "\t<array/>\n"
+                                      "\t<dict/>\n"
+                                      "\t<string></string>\n"
+                                      "\t<array>\n"
+                                      "\t\t<dict>\n"
+                                      "\t\t\t<key>k</key>\n"
+                                      "\t\t\t<array>\n"
+                                      "\t\t\t\t<integer>1</integer>\n"
+                                      "\t\t\t</array>\n"
+                                      "\t\t</dict>\n"
+                                      "\t\t<string>x</string>\n"
+                                      "\t</array>\n"
+                                      "</array>\n"));
+    EXPECT_EQ(written(Dictionary{}), document("<dict/>\n"));
+    EXPECT_EQ(written(QStringLiteral("top")), document("<string>top</string>\n"));
+}
+
+TEST(XmlWriterTest, KeysAreSortedByUtf16CodeUnits) {
+    // Upper case sorts before lower case; a character outside the basic plane
+    // (a surrogate pair, 0xD83D...) sorts before U+FF21.
+    const Dictionary root{{QStringLiteral("b"), 1},
+                          {QStringLiteral("B"), 2},
+                          {QString::fromUtf8("\xEF\xBC\xA1"), 3},
+                          {QString::fromUtf8("\xF0\x9F\x98\x80"), 4}};
+    EXPECT_EQ(written(root), document("<dict>\n"
+                                      "\t<key>B</key>\n\t<integer>2</integer>\n"
+                                      "\t<key>b</key>\n\t<integer>1</integer>\n"
+                                      "\t<key>\xF0\x9F\x98\x80</key>\n\t<integer>4</integer>\n"
+                                      "\t<key>\xEF\xBC\xA1</key>\n\t<integer>3</integer>\n"
+                                      "</dict>\n"));
+}
+
+TEST(XmlWriterTest, EscapesOnlyAmpersandAndAngleBrackets) {
+    const Dictionary root{{QStringLiteral("<a&b>"), QStringLiteral("\"quoted\" & 'single' <tag>")}};
+    EXPECT_EQ(written(root), document("<dict>\n"
+                                      "\t<key>&lt;a&amp;b&gt;</key>\n"
+                                      "\t<string>\"quoted\" &amp; 'single' &lt;tag&gt;</string>\n"
+                                      "</dict>\n"));
+}
+
+TEST(XmlWriterTest, DataLinesShrinkWithDepthAndStopAtEightTabs) {
+    // At the root: lines of 76 characters, no indentation.
+    EXPECT_EQ(written(hundredBytes()), document("<data>\n" + hundredBytesBase64.left(76) + "\n" +
+                                                hundredBytesBase64.mid(76) + "\n</data>\n"));
+
+    // One level down: 68 characters and one tab.
+    EXPECT_EQ(written(Array{hundredBytes()}),
+              document("<array>\n\t<data>\n\t" + hundredBytesBase64.left(68) + "\n\t" +
+                       hundredBytesBase64.mid(68) + "\n\t</data>\n</array>\n"));
+
+    // Two levels: 60 characters, so three lines.
+    EXPECT_EQ(written(Array{Array{hundredBytes()}}),
+              document("<array>\n\t<array>\n\t\t<data>\n\t\t" + hundredBytesBase64.left(60) + "\n\t\t" +
+                       hundredBytesBase64.mid(60, 60) + "\n\t\t" + hundredBytesBase64.mid(120) +
+                       "\n\t\t</data>\n\t</array>\n</array>\n"));
+
+    // Nine levels: the base64 keeps eight tabs and 12-character lines; the tags keep their depth.
+    Value nested = QByteArray("0123456789abcdefghij"); // "MDEyMzQ1Njc4OWFiY2RlZmdoaWo=", 28 characters
+    for (int i = 0; i < 9; ++i)
+        nested = Array{nested};
+    const QByteArray bytes = written(nested);
+    const QByteArray eight(8, '\t');
+    const QByteArray nine(9, '\t');
+    EXPECT_TRUE(bytes.contains(nine + "<data>\n" + eight + "MDEyMzQ1Njc4\n" + eight + "OWFiY2RlZmdo\n" +
+                               eight + "aWo=\n" + nine + "</data>\n"))
+        << bytes.toStdString();
+}
+
+TEST(XmlWriterTest, EmptyDataKeepsItsLinesEmpty) {
+    EXPECT_EQ(written(Array{QByteArray()}), document("<array>\n\t<data>\n\t</data>\n</array>\n"));
+}
+
+TEST(XmlWriterTest, RealsAreShortestAndIntegralOnesHaveNoFraction) {
+    const auto realText = [](double real) {
+        const QByteArray bytes = written(real);
+        return bytes.mid(header.size() + 6, bytes.size() - header.size() - 6 - 17);
+    };
+    EXPECT_EQ(realText(1.0), "1");
+    EXPECT_EQ(realText(-3.0), "-3");
+    EXPECT_EQ(realText(0.1), "0.1");
+    EXPECT_EQ(realText(2.5), "2.5");
+    EXPECT_EQ(realText(100000000.0), "100000000");
+    EXPECT_EQ(realText(1e20), "1e+20");
+    EXPECT_EQ(realText(1e-300), "1e-300");
+    EXPECT_EQ(realText(0.0001), "0.0001");
+    EXPECT_EQ(realText(0.00001), "1e-05");
+    EXPECT_EQ(realText(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(realText(0.0), "0.0");
+    EXPECT_EQ(realText(-0.0), "-0.0");
+    EXPECT_EQ(realText(std::numeric_limits<double>::infinity()), "+infinity");
+    EXPECT_EQ(realText(-std::numeric_limits<double>::infinity()), "-infinity");
+    EXPECT_EQ(realText(std::nan("")), "nan");
+}
+
+TEST(XmlWriterTest, DatesAreUtcWholeSeconds) {
+    EXPECT_EQ(written(Date{0}), document("<date>2001-01-01T00:00:00Z</date>\n"));
+    // Fractions of a second are dropped, also before the reference date.
+    EXPECT_EQ(written(Date{0.999}), document("<date>2001-01-01T00:00:00Z</date>\n"));
+    EXPECT_EQ(written(Date{-0.5}), document("<date>2000-12-31T23:59:59Z</date>\n"));
+    EXPECT_EQ(written(dateAt(1900, 1, 1)), document("<date>1900-01-01T00:00:00Z</date>\n"));
+    EXPECT_EQ(written(dateAt(2100, 12, 31, 23, 59, 59)), document("<date>2100-12-31T23:59:59Z</date>\n"));
+    EXPECT_EQ(written(dateAt(3000, 2, 28, 12)), document("<date>3000-02-28T12:00:00Z</date>\n"));
+    EXPECT_EQ(written(dateAt(2000, 2, 29, 6, 7, 8)), document("<date>2000-02-29T06:07:08Z</date>\n"));
+}
+
+TEST(XmlWriterTest, IntegersCoverBothSixtyFourBitRanges) {
+    EXPECT_EQ(written(std::numeric_limits<qint64>::min()),
+              document("<integer>-9223372036854775808</integer>\n"));
+    EXPECT_EQ(written(std::numeric_limits<qint64>::max()),
+              document("<integer>9223372036854775807</integer>\n"));
+    EXPECT_EQ(written(Value::fromUnsigned(std::numeric_limits<quint64>::max())),
+              document("<integer>18446744073709551615</integer>\n"));
+}
+
+TEST(XmlWriterTest, UidIsWrittenAsKeyedArchiverDictionary) {
+    EXPECT_EQ(written(Array{Uid{7}}), document("<array>\n"
+                                               "\t<dict>\n"
+                                               "\t\t<key>CF$UID</key>\n"
+                                               "\t\t<integer>7</integer>\n"
+                                               "\t</dict>\n"
+                                               "</array>\n"));
+}
+
+TEST(XmlWriterTest, NullValueFailsWithItsPlace) {
+    const auto atRoot = XmlWriter::write(Value());
+    ASSERT_FALSE(atRoot.hasValue());
+    EXPECT_TRUE(atRoot.error().contains(QStringLiteral("null"))) << atRoot.error().toStdString();
+
+    const auto nested =
+        XmlWriter::write(Dictionary{{QStringLiteral("a"), 1}, {QStringLiteral("list"), Array{1, Value()}}});
+    ASSERT_FALSE(nested.hasValue());
+    EXPECT_TRUE(nested.error().contains(QStringLiteral("/list[1]"))) << nested.error().toStdString();
+}
+
+TEST(XmlWriterTest, EdgeValuesRoundTrip) {
+    const QString emoji = QString::fromUtf8("\xF0\x9F\x98\x80 \xF0\x9D\x84\x9E \xE2\x82\xAC");
+    const Dictionary root{
+        {QStringLiteral("1900"), dateAt(1900, 1, 1)},
+        {QStringLiteral("1969"), dateAt(1969, 12, 31, 23, 59, 59)},
+        {QStringLiteral("2039"), dateAt(2039, 1, 19, 3, 14, 8)},
+        {QStringLiteral("2100"), dateAt(2100, 3, 1)},
+        {QStringLiteral("3000"), dateAt(3000, 12, 31, 23, 59, 59)},
+        {QStringLiteral("year 1"), Date{-63113904000.0}},
+        {QStringLiteral("min"), std::numeric_limits<qint64>::min()},
+        {QStringLiteral("max"), std::numeric_limits<qint64>::max()},
+        {QStringLiteral("umax"), Value::fromUnsigned(std::numeric_limits<quint64>::max())},
+        {QStringLiteral("tiny"), 1e-300},
+        {QStringLiteral("denormal"), 5e-324},
+        {QStringLiteral("huge"), std::numeric_limits<double>::max()},
+        {QStringLiteral("tenth"), 0.1},
+        {QStringLiteral("third"), 1.0 / 3.0},
+        {emoji, emoji + QStringLiteral(" <&>")},
+        {QStringLiteral("control"), QStringLiteral("tab\there\nnew line\r\nand\rreturn\x01")},
+        {QStringLiteral("spaces"), QStringLiteral("  ")},
+        {QStringLiteral("binary"), hundredBytes()},
+        {QStringLiteral("uid-like"), Dictionary{{QStringLiteral("CF$UID"), 3}}},
+    };
+    EXPECT_EQ(roundTripped(root), Value(root));
+
+    const Value negativeZero = roundTripped(-0.0);
+    ASSERT_TRUE(negativeZero.isReal());
+    EXPECT_TRUE(std::signbit(*negativeZero.toReal()));
+    EXPECT_TRUE(std::isnan(*roundTripped(std::nan("")).toReal()));
+    EXPECT_EQ(roundTripped(-std::numeric_limits<double>::infinity()),
+              Value(-std::numeric_limits<double>::infinity()));
+}
