@@ -85,12 +85,14 @@ int DomainsCommand::run(const QStringList& arguments, CommandStreams& streams) c
     if (!parsed)
         return usageError(streams, parsed.error());
     if (!parsed->operands().isEmpty())
-        return usageError(streams, QStringLiteral("unexpected argument '%1'").arg(parsed->operands().first()));
+        return usageError(streams,
+                          QStringLiteral("unexpected argument '%1'").arg(parsed->operands().first()));
 
     const auto folder = parsed->value(kManifestsOption);
     const auto listing = folder ? domainsInFolder(*folder) : domainsInForce();
     if (!listing) {
-        streams.printError(QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), listing.error()));
+        streams.printError(
+            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), listing.error()));
         return ExitCode::usageOrInputError;
     }
     if (asJson)

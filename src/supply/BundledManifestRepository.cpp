@@ -54,8 +54,9 @@ std::optional<plist::Date> BundledManifestRepository::mostRecentModificationDate
         return m_mostRecentModificationDate;
     for (const plist::Dictionary& manifest : standardizedManifests()) {
         const auto date = manifest.date(QStringLiteral("pfm_quorlin_last_modification"));
-        if (date && (!m_mostRecentModificationDate ||
-                     date->secondsSinceReferenceDate > m_mostRecentModificationDate->secondsSinceReferenceDate))
+        if (date &&
+            (!m_mostRecentModificationDate ||
+             date->secondsSinceReferenceDate > m_mostRecentModificationDate->secondsSinceReferenceDate))
             m_mostRecentModificationDate = date;
     }
     m_mostRecentModificationDateComputed = true;

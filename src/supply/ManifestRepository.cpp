@@ -71,10 +71,9 @@ void ManifestRepository::reloadManifests(const QStringList& files) {
 }
 
 std::optional<plist::Dictionary> ManifestRepository::manifest(const QString& domain) const {
-    const auto found = std::find_if(m_standardizedManifests.cbegin(), m_standardizedManifests.cend(),
-                                    [&](const plist::Dictionary& manifest) {
-                                        return manifest.string(kDomainKey) == domain;
-                                    });
+    const auto found = std::find_if(
+        m_standardizedManifests.cbegin(), m_standardizedManifests.cend(),
+        [&](const plist::Dictionary& manifest) { return manifest.string(kDomainKey) == domain; });
     if (found == m_standardizedManifests.cend())
         return std::nullopt;
     return *found;

@@ -157,7 +157,8 @@ void PFMDomainManager::reloadDomains() {
             auto domain = PFMDomain::make(manifest);
             if (!domain)
                 continue;
-            domains.removeIf([&](const auto& other) { return other->domainString() == domain->domainString(); });
+            domains.removeIf(
+                [&](const auto& other) { return other->domainString() == domain->domainString(); });
             domains.append(std::move(domain));
         }
     }

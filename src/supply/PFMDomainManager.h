@@ -71,7 +71,9 @@ public:
 
     BundledManifestRepository& bundledManifestRepository() { return *m_bundledManifestRepository; }
     const ManifestRepository& mainManifestRepository() const { return *m_mainManifestRepository; }
-    const ManifestRepository* overrideManifestRepository() const { return m_overrideManifestRepository.get(); }
+    const ManifestRepository* overrideManifestRepository() const {
+        return m_overrideManifestRepository.get();
+    }
     const ResourceFolder& resourceFolder() const { return m_resources; }
 
     static std::optional<QString> gitHubStorageRoot();
@@ -94,7 +96,8 @@ private:
     static void loadLocalRepository(const UserDefaults& defaults, LoadedRepositories& loaded);
     // The folder and its store, or the error that the bookmark gives; nothing
     // at all for a folder that is simply gone.
-    static std::optional<Expected<LoadedRepositories::LocalFolder, Errors>> openBookmark(const QByteArray& data);
+    static std::optional<Expected<LoadedRepositories::LocalFolder, Errors>>
+    openBookmark(const QByteArray& data);
 
     void adopt(LoadedRepositories loaded);
     void setAreUpdatesAvailable(bool areUpdatesAvailable);

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace quorlin {
 
 ResourceFolder::ResourceFolder(QString path)

@@ -12,7 +12,8 @@ namespace {
 
 bool holdsAny(const QString& directory, const QStringList& kept) {
     const QString prefix = directory + u'/';
-    return std::any_of(kept.cbegin(), kept.cend(), [&](const QString& path) { return path.startsWith(prefix); });
+    return std::any_of(kept.cbegin(), kept.cend(),
+                       [&](const QString& path) { return path.startsWith(prefix); });
 }
 
 } // namespace

@@ -58,7 +58,8 @@ int main(int argc, char** argv) {
     }
 
     if (!quorlin::ResourceFolder::locate()) {
-        printLine(stderr, QStringLiteral("quorlin-profile-editor: ") + quorlin::ResourceFolder::missingMessage());
+        printLine(stderr,
+                  QStringLiteral("quorlin-profile-editor: ") + quorlin::ResourceFolder::missingMessage());
         return 1;
     }
     quorlin::ApplicationStart start(quorlin::UserDefaults::standard());
