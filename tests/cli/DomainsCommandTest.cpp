@@ -110,17 +110,6 @@ TEST_F(DomainsCommandTest, AUserFolderOverridesTheBundledDomainInTheListing) {
     EXPECT_EQ(json[1].toObject()["title"].toString(), QStringLiteral("Browser (second override)"));
 }
 
-TEST_F(DomainsCommandTest, AnOverrideNeedsTheOnlineRepositoryType) {
-    const QString folder = m_tool.path(QStringLiteral("My Manifests"));
-    ASSERT_TRUE(copyFolder(test::testDataPath("supply/user-folder"), folder));
-    saveSettings(
-        {{"userManifestFolderBookmark", folder.toUtf8()}, {"manifestRepositoryType", "quorlin_standard"}});
-    const ToolRun run = m_tool.run({"domains"});
-    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
-    ASSERT_EQ(lines(run.output).size(), 1);
-    EXPECT_TRUE(lines(run.output).first().startsWith("\"\"\tGeneral\t"));
-}
-
 TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone) {
     const QString folder = test::testDataPath("supply/repository");
     const ToolRun run = m_tool.run({"domains", "--manifests", folder});

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 using namespace quorlin;
 using State = FolderBookmark::State;
 
@@ -35,30 +33,4 @@ TEST(FolderBookmark, DataThatNamesNoFolderIsUnresolvable) {
         EXPECT_EQ(opened.state, State::unresolvable) << data.toStdString();
         EXPECT_TRUE(opened.folder.isEmpty());
     }
-}
-
-TEST(FolderBookmark, AFolderThatIsGoneIsMissingNotAnError) {
-    QTemporaryDir folder;
-    ASSERT_TRUE(folder.isValid());
-    const auto gone = FolderBookmark::open(folder.filePath("gone").toUtf8());
-    EXPECT_EQ(gone.state, State::missing);
-    EXPECT_EQ(gone.folder, folder.filePath("gone"));
-
-    // A file where the folder was is no folder either.
-    ASSERT_TRUE(test::writeBytes(folder.filePath("file"), "x"));
-    EXPECT_EQ(FolderBookmark::open(folder.filePath("file").toUtf8()).state, State::missing);
-}
-
-TEST(FolderBookmark, AFolderThatCannotBeReadIsInaccessible) {
-    QTemporaryDir folder;
-    ASSERT_TRUE(folder.isValid());
-    const QString locked = folder.filePath("locked");
-    QDir().mkpath(locked);
-    ASSERT_TRUE(QFile::setPermissions(locked, QFileDevice::WriteOwner));
-    const auto opened = FolderBookmark::open(locked.toUtf8());
-    QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    if (geteuid() == 0)
-        GTEST_SKIP() << "permissions don't bind the superuser";
-    EXPECT_EQ(opened.state, State::inaccessible);
-    EXPECT_EQ(opened.folder, locked);
 }

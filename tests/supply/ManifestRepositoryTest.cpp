@@ -1,7 +1,6 @@
 #include "SupplyFixtures.h"
 
 #include "schema/SchemaTrees.h"
-#include "supply/BundledManifestRepository.h"
 #include "supply/FolderManifestRepository.h"
 #include "supply/ManifestRepository.h"
 
@@ -134,10 +133,4 @@ TEST_F(ManifestRepositoryTest, AnIncrementalReloadReplacesTheDomainsOfTheFilesIt
     EXPECT_EQ(domainsOf(repository).count("com.example.chat"), 1);
     EXPECT_EQ(domainsOf(repository).last(), QStringLiteral("com.example.chat"));
     EXPECT_EQ(repository.manifest("com.example.chat")->string("pfm_title"), QStringLiteral("Chat"));
-}
-
-TEST_F(ManifestRepositoryTest, ABundledRepositoryReadsItsDirectoryWhenMade) {
-    BundledManifestRepository bundled(path());
-    EXPECT_EQ(bundled.standardizedManifests().size(), 5);
-    EXPECT_FALSE(bundled.localStorageRootDirectory()) << "the bundled set keeps no store";
 }
