@@ -316,6 +316,12 @@ TEST(DomainDisplayGroups, OrderArrayDecidesAndLabelsMissingFromItGetNoIndex) {
     EXPECT_EQ(*partial->displayGroupsLabelMap(), (QMap<int, QString>{{0, "Security"}, {1, "Other"}}));
     EXPECT_EQ(groupIndexes(*partial),
               (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", 0}, {"Misc", 1}}));
+
+    const auto noneNamed =
+        domainWith({{"pfm_quorlin_groups", groups}, {"pfm_quorlin_groups_order", Array{"Unused"}}},
+                   {keyTree("Host", "string"), keyTree("Password", "string")});
+    EXPECT_FALSE(noneNamed->displayGroupsLabelMap());
+    EXPECT_EQ(groupIndexes(*noneNamed), (std::map<QString, int>{{"Host", -1}, {"Password", -1}}));
 }
 
 TEST(DomainDisplayGroups, NeedTwoGroupsInTheManifestAndTwoThatGetKeys) {
