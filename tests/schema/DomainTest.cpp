@@ -364,16 +364,3 @@ TEST(DomainDisplayGroups, OtherLabelStepsAsideForAGroupOfThatName) {
               (QMap<int, QString>{{0, "Other"}, {1, "Other 1"}, {2, "Other 2"}}));
     EXPECT_EQ(groupIndexes(*twice), (std::map<QString, int>{{"Host", 0}, {"Port", 2}, {"Password", 1}}));
 }
-
-TEST(DomainLifetime, KeysOutliveTheirDomainWhenSomeoneHoldsThem) {
-    std::shared_ptr<const PFMKeyPrototype> kept;
-    std::weak_ptr<const PFMDomain> watched;
-    {
-        const auto domain = domainWith({});
-        watched = domain;
-        kept = domain->keyPrototypes()[1];
-    }
-    EXPECT_TRUE(watched.expired());
-    EXPECT_EQ(kept->name(), QStringLiteral("Port"));
-    EXPECT_EQ(kept->kind(), PFMKeyPrototype::Kind::integer);
-}
