@@ -1,10 +1,10 @@
 #include "supply/PFMDomainManager.h"
 
 #include "plist/ApplicationIdentity.h"
+#include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "supply/FolderBookmark.h"
 #include "supply/FolderManifestRepository.h"
-#include "supply/RepositorySettingsKey.h"
 #include "supply/RepositoryStorePaths.h"
 #include "supply/StaleStoreRemover.h"
 
@@ -16,7 +16,7 @@ namespace quorlin {
 
 namespace {
 
-namespace Key = RepositorySettingsKey;
+namespace Key = DefaultsKey;
 
 const QString kDefaultBranch = QStringLiteral("master");
 
@@ -51,9 +51,9 @@ PFMDomainManager& PFMDomainManager::shared() {
 LoadedRepositories PFMDomainManager::loadRepositoriesFromSettings(const UserDefaults& defaults) {
     LoadedRepositories loaded;
     const auto type = defaults.string(Key::manifestRepositoryType);
-    if (type == RepositoryType::online)
+    if (type == DefaultsValue::repositoryTypeOnline)
         loadOnlineRepository(defaults, loaded);
-    else if (type == RepositoryType::local)
+    else if (type == DefaultsValue::repositoryTypeLocal)
         loadLocalRepository(defaults, loaded);
     return loaded;
 }

@@ -1,12 +1,12 @@
 #include "SupplyFixtures.h"
 
 #include "plist/ApplicationIdentity.h"
+#include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "schema/SchemaTrees.h"
 #include "shell/IsolatedHome.h"
 #include "supply/FolderBookmark.h"
 #include "supply/PFMDomainManager.h"
-#include "supply/RepositorySettingsKey.h"
 #include "supply/RepositoryStorePaths.h"
 
 #include <QTemporaryDir>
@@ -27,7 +27,7 @@ void PrintTo(const DomainManagerError& error, std::ostream* out) {
 } // namespace quorlin
 
 using namespace quorlin;
-namespace Key = quorlin::RepositorySettingsKey;
+namespace Key = quorlin::DefaultsKey;
 using Error = PFMDomainManager::Errors;
 
 namespace {
