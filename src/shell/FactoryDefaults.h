@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plist/ProfileDefaultsKeys.h"
 #include "plist/Value.h"
 
 #include <QList>
@@ -39,12 +40,8 @@ inline const QString lastChoiceShowingBooleanDescriptions =
     QStringLiteral("lastChoiceShowingBooleanDescriptions");
 
 // Absent until written.
-inline const QString preferencesDefaultsOrganizationName =
-    QStringLiteral("preferencesDefaultsOrganizationName");
-inline const QString preferencesDefaultsConsentText = QStringLiteral("preferencesDefaultsConsentText");
-inline const QString preferencesDefaultsSigningIdentity =
-    QStringLiteral("preferencesDefaultsSigningIdentity");
-inline const QString identifierPrefix = QStringLiteral("identifierPrefix");
+// preferencesDefaultsOrganizationName, preferencesDefaultsConsentText,
+// preferencesDefaultsSigningIdentity and identifierPrefix: plist/ProfileDefaultsKeys.h.
 inline const QString bundledToOnlineResultsFiltering = QStringLiteral("bundledToOnlineResultsFiltering");
 inline const QString lastLaunchedBundleShortVersionString =
     QStringLiteral("lastLaunchedBundleShortVersionString");
