@@ -72,10 +72,12 @@ void Payload::buildKeys(const std::optional<plist::Dictionary>& dictionary) {
         if (!prototype->name())
             continue;
         const QString& name = *prototype->name();
-        if (remaining && remaining->contains(name))
-            m_preferenceKeys.append(PreferenceKey::makeFromValue(prototype, remaining->take(name), {}, self));
-        else
+        if (remaining && remaining->contains(name)) {
+            m_preferenceKeys.append(PreferenceKey::makeFromValue(prototype, remaining->value(name), {}, self));
+            remaining->remove(name);
+        } else {
             m_preferenceKeys.append(PreferenceKey::makeNew(prototype, {}, self));
+        }
     }
     if (remaining && !remaining->isEmpty())
         m_unfamiliarPreferenceKeys = std::move(remaining);
