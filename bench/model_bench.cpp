@@ -129,7 +129,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "No domains under %s\n", qPrintable(load.folder));
         return 1;
     }
-    std::printf("%lld domains from %s\n", static_cast<long long>(load.domains.size()), qPrintable(load.folder));
+    std::printf("%lld domains from %s\n", static_cast<long long>(load.domains.size()),
+                qPrintable(load.folder));
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

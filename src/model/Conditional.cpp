@@ -58,8 +58,9 @@ void Conditional::preferenceKeyValueDidChange(PreferenceKey& changed) {
     if (affected.isEmpty())
         return;
 
-    const auto allHeld = std::all_of(affected.begin(), affected.end(),
-                                     [](const TargetCondition* condition) { return condition->lastEvaluationResult(); });
+    const auto allHeld = std::all_of(affected.begin(), affected.end(), [](const TargetCondition* condition) {
+        return condition->lastEvaluationResult();
+    });
     bool allHoldNow = true;
     for (TargetCondition* condition : affected)
         allHoldNow = condition->evaluate() && allHoldNow;
@@ -70,8 +71,9 @@ void Conditional::preferenceKeyValueDidChange(PreferenceKey& changed) {
         changeResult(false);
         return;
     }
-    const bool othersHold = std::all_of(m_targetConditions.begin(), m_targetConditions.end(),
-                                        [](const TargetCondition& condition) { return condition.lastEvaluationResult(); });
+    const bool othersHold =
+        std::all_of(m_targetConditions.begin(), m_targetConditions.end(),
+                    [](const TargetCondition& condition) { return condition.lastEvaluationResult(); });
     changeResult(othersHold);
 }
 

@@ -47,7 +47,8 @@ Payload::Pointer Payload::makeNewPayload(const DomainPointer& domain, const std:
     return payload;
 }
 
-Payload::Pointer Payload::makeNewPayloadFromFile(const DomainPointer& domain, const std::shared_ptr<Profile>& profile,
+Payload::Pointer Payload::makeNewPayloadFromFile(const DomainPointer& domain,
+                                                 const std::shared_ptr<Profile>& profile,
                                                  std::shared_ptr<const ProfileEnvironment> environment,
                                                  const QString& uuid, const QString& filePath) {
     Pointer payload = makeNewPayload(domain, profile, std::move(environment), uuid);
@@ -56,7 +57,8 @@ Payload::Pointer Payload::makeNewPayloadFromFile(const DomainPointer& domain, co
         return payload;
     // A file that can't be read leaves the data key empty.
     QFile file(filePath);
-    if (const auto dataKey = firstOf(payload->keyNamed(*dataKeyName)); dataKey && file.open(QIODevice::ReadOnly))
+    if (const auto dataKey = firstOf(payload->keyNamed(*dataKeyName));
+        dataKey && file.open(QIODevice::ReadOnly))
         dataKey->setValue(plist::Value(file.readAll()));
     if (const auto& nameKeyName = domain->payloadFileNameSubkeyName()) {
         if (const auto nameKey = firstOf(payload->keyNamed(*nameKeyName)))
@@ -73,7 +75,8 @@ void Payload::buildKeys(const std::optional<plist::Dictionary>& dictionary) {
             continue;
         const QString& name = *prototype->name();
         if (remaining && remaining->contains(name)) {
-            m_preferenceKeys.append(PreferenceKey::makeFromValue(prototype, remaining->value(name), {}, self));
+            m_preferenceKeys.append(
+                PreferenceKey::makeFromValue(prototype, remaining->value(name), {}, self));
             remaining->remove(name);
         } else {
             m_preferenceKeys.append(PreferenceKey::makeNew(prototype, {}, self));
@@ -113,7 +116,8 @@ plist::Dictionary Payload::writeOutDictionary() const {
             written.insert(key->name(), *value);
     }
     if (m_unfamiliarPreferenceKeys) {
-        for (auto entry = m_unfamiliarPreferenceKeys->begin(); entry != m_unfamiliarPreferenceKeys->end(); ++entry)
+        for (auto entry = m_unfamiliarPreferenceKeys->begin(); entry != m_unfamiliarPreferenceKeys->end();
+             ++entry)
             written.insert(entry.key(), entry.value());
     }
     return written;

@@ -33,7 +33,8 @@ public:
     static Pointer makeNewPayload(const DomainPointer& domain, const std::shared_ptr<Profile>& profile,
                                   std::shared_ptr<const ProfileEnvironment> environment, const QString& uuid);
     // makeNewPayload, with the file's bytes and name in the domain's file keys.
-    static Pointer makeNewPayloadFromFile(const DomainPointer& domain, const std::shared_ptr<Profile>& profile,
+    static Pointer makeNewPayloadFromFile(const DomainPointer& domain,
+                                          const std::shared_ptr<Profile>& profile,
                                           std::shared_ptr<const ProfileEnvironment> environment,
                                           const QString& uuid, const QString& filePath);
 
@@ -45,7 +46,9 @@ public:
     const PreferenceKey::KeyList& preferenceKeys() const { return m_preferenceKeys; }
     std::shared_ptr<Profile> profile() const { return m_profile.lock(); }
     void setProfile(const std::shared_ptr<Profile>& profile) { m_profile = profile; }
-    const std::optional<plist::Dictionary>& unfamiliarPreferenceKeys() const { return m_unfamiliarPreferenceKeys; }
+    const std::optional<plist::Dictionary>& unfamiliarPreferenceKeys() const {
+        return m_unfamiliarPreferenceKeys;
+    }
     // The user may clear them in the form.
     void clearUnfamiliarPreferenceKeys() { m_unfamiliarPreferenceKeys.reset(); }
 

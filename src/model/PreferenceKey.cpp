@@ -30,7 +30,8 @@ bool itemFits(const PFMKeyPrototype& prototype, const plist::Value& item) {
 
 } // namespace
 
-PreferenceKey::PreferenceKey(PrototypePointer prototype) : m_prototype(std::move(prototype)) {}
+PreferenceKey::PreferenceKey(PrototypePointer prototype)
+    : m_prototype(std::move(prototype)) {}
 
 PreferenceKey::~PreferenceKey() = default;
 
@@ -63,8 +64,9 @@ PreferenceKey::Pointer PreferenceKey::makeNew(const PrototypePointer& prototype,
     return key;
 }
 
-PreferenceKey::Pointer PreferenceKey::makeFromValue(const PrototypePointer& prototype, const plist::Value& value,
-                                                    const Pointer& parent, const std::shared_ptr<Payload>& payload) {
+PreferenceKey::Pointer PreferenceKey::makeFromValue(const PrototypePointer& prototype,
+                                                    const plist::Value& value, const Pointer& parent,
+                                                    const std::shared_ptr<Payload>& payload) {
     Pointer key = construct(prototype, parent, payload);
     const Kind kind = prototype->kind();
     if (isScalarKind(kind)) {
@@ -133,11 +135,13 @@ void PreferenceKey::computeSupportedPlatforms() {
 
     const PFMKeyPrototype& schema = *m_prototype;
     if (schema.supportedOSes()) {
-        m_internalSupportedPlatforms = base ? SupportedPlatforms::combinedWithParent(*schema.supportedOSes(), *base)
-                                            : SupportedPlatforms::fromSupportedOSes(*schema.supportedOSes());
+        m_internalSupportedPlatforms =
+            base ? SupportedPlatforms::combinedWithParent(*schema.supportedOSes(), *base)
+                 : SupportedPlatforms::fromSupportedOSes(*schema.supportedOSes());
     } else if (schema.supportedModels() || schema.lifeCycleVersions()) {
         m_internalSupportedPlatforms =
-            base ? SupportedPlatforms::combinedWithParent(schema.supportedModels(), schema.lifeCycleVersions(), *base)
+            base ? SupportedPlatforms::combinedWithParent(schema.supportedModels(),
+                                                          schema.lifeCycleVersions(), *base)
                  : SupportedPlatforms::make(schema.supportedModels(), schema.lifeCycleVersions());
     } else {
         m_internalSupportedPlatforms = base;
@@ -193,7 +197,8 @@ bool PreferenceKey::computeWritingOut() const {
     if (!isConventionalDictionary())
         return true;
     const auto keys = children();
-    return keys && std::any_of(keys->begin(), keys->end(), [](const Pointer& child) { return child->m_isWritingOut; });
+    return keys && std::any_of(keys->begin(), keys->end(),
+                               [](const Pointer& child) { return child->m_isWritingOut; });
 }
 
 void PreferenceKey::updateWritingOut() {
@@ -233,9 +238,10 @@ PreferenceKey::RequirementStatus PreferenceKey::requirementStatus() const {
             return RequirementStatus::required;
         return RequirementStatus::requiredConditionally;
     }
-    const bool hasRequirementRule = std::any_of(m_conditionals.begin(), m_conditionals.end(), [](const auto& rule) {
-        return rule->prototype().kind() == PFMConditionalPrototype::Kind::requirement;
-    });
+    const bool hasRequirementRule =
+        std::any_of(m_conditionals.begin(), m_conditionals.end(), [](const auto& rule) {
+            return rule->prototype().kind() == PFMConditionalPrototype::Kind::requirement;
+        });
     return hasRequirementRule ? RequirementStatus::requiredConditionally : RequirementStatus::notRequired;
 }
 
@@ -297,9 +303,10 @@ void PreferenceKey::setAllExclusionsShouldDisable(bool disable) {
 
 bool PreferenceKey::inheritedExclusionByRule() const {
     for (const PreferenceKey* key = this; key; key = key->m_parentKey.lock().get()) {
-        const bool hasExclusion = std::any_of(key->m_conditionals.begin(), key->m_conditionals.end(), [](const auto& rule) {
-            return rule->prototype().kind() == PFMConditionalPrototype::Kind::exclusion;
-        });
+        const bool hasExclusion =
+            std::any_of(key->m_conditionals.begin(), key->m_conditionals.end(), [](const auto& rule) {
+                return rule->prototype().kind() == PFMConditionalPrototype::Kind::exclusion;
+            });
         if (hasExclusion)
             return true;
     }
@@ -376,7 +383,8 @@ std::optional<SupportedPlatforms> PreferenceKey::supportedPlatforms() const {
 
 QList<PFMXSupportedOSes> PreferenceKey::collectSupportedOSes() const {
     QList<PFMXSupportedOSes> collected;
-    for (Pointer key = std::const_pointer_cast<PreferenceKey>(shared_from_this()); key; key = key->parentKey()) {
+    for (Pointer key = std::const_pointer_cast<PreferenceKey>(shared_from_this()); key;
+         key = key->parentKey()) {
         if (key->m_prototype->supportedOSes())
             collected.append(*key->m_prototype->supportedOSes());
     }

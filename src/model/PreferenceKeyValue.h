@@ -23,8 +23,10 @@ public:
 
     PreferenceKeyValue() = default;
     PreferenceKeyValue(const plist::Value& value);
-    PreferenceKeyValue(KeyList items) : m_storage(std::move(items)) {}
-    PreferenceKeyValue(KeyMap subkeys) : m_storage(std::move(subkeys)) {}
+    PreferenceKeyValue(KeyList items)
+        : m_storage(std::move(items)) {}
+    PreferenceKeyValue(KeyMap subkeys)
+        : m_storage(std::move(subkeys)) {}
 
     bool isAbsent() const { return std::holds_alternative<std::monostate>(m_storage); }
     // Each is null unless the value has that form.

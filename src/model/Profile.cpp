@@ -25,7 +25,9 @@ const QString consentTextDefaultName = QStringLiteral(".ConsentText");
 // triggers don't answer it.
 class SelfChangeScope {
 public:
-    SelfChangeScope(Profile::SelfChange& state, Profile::SelfChange change) : m_state(state), m_previous(state) {
+    SelfChangeScope(Profile::SelfChange& state, Profile::SelfChange change)
+        : m_state(state)
+        , m_previous(state) {
         m_state = change;
     }
     ~SelfChangeScope() { m_state = m_previous; }
@@ -64,7 +66,8 @@ Profile::Pointer Profile::makeNewProfile(const DomainList& domains,
 }
 
 void Profile::applyPreferencesDefaults() {
-    if (const auto& organization = m_environment->organizationName; organization && !organization->isEmpty()) {
+    if (const auto& organization = m_environment->organizationName;
+        organization && !organization->isEmpty()) {
         if (const auto key = firstOf(m_rootPayload->keyNamed(QStringLiteral("PayloadOrganization")))) {
             key->setValue(plist::Value(*organization));
             m_preferencesDefaults.insert(organizationDefaultName, key);
@@ -80,8 +83,9 @@ void Profile::applyPreferencesDefaults() {
     }
 }
 
-Expected<Profile::Pointer, Profile::Errors> Profile::parseProfile(
-    const QByteArray& data, const DomainList& domains, std::shared_ptr<const ProfileEnvironment> environment) {
+Expected<Profile::Pointer, Profile::Errors>
+Profile::parseProfile(const QByteArray& data, const DomainList& domains,
+                      std::shared_ptr<const ProfileEnvironment> environment) {
     Pointer profile(new Profile(domains, std::move(environment)));
     QStringList signers;
     auto read = readRootDictionary(data, *profile->m_environment, signers);
@@ -116,9 +120,9 @@ Expected<Profile::Pointer, Profile::Errors> Profile::parseProfile(
     return profile;
 }
 
-Expected<plist::Dictionary, Profile::Errors> Profile::readRootDictionary(const QByteArray& data,
-                                                                         const ProfileEnvironment& environment,
-                                                                         QStringList& signers) {
+Expected<plist::Dictionary, Profile::Errors>
+Profile::readRootDictionary(const QByteArray& data, const ProfileEnvironment& environment,
+                            QStringList& signers) {
     auto read = plist::PlistReader::read(data);
     if (!read && environment.signingServices) {
         if (const auto signedContent = environment.signingServices->readSignedContent(data)) {
@@ -161,8 +165,9 @@ void Profile::readPayloadContent(const plist::Array& content) {
 void Profile::adoptSigners(const QStringList& signers) {
     if (signers.isEmpty())
         return;
-    const QStringList available =
-        m_environment->signingServices ? m_environment->signingServices->identityCommonNames() : QStringList();
+    const QStringList available = m_environment->signingServices
+                                      ? m_environment->signingServices->identityCommonNames()
+                                      : QStringList();
     const auto shared = std::find_if(signers.begin(), signers.end(),
                                      [&](const QString& signer) { return available.contains(signer); });
     if (shared != signers.end())
@@ -191,14 +196,16 @@ std::shared_ptr<const PFMDomain> Profile::rootDomain() const {
 }
 
 std::shared_ptr<const PFMDomain> Profile::domainForType(const QString& payloadType) const {
-    const auto found = std::find_if(m_domains.begin(), m_domains.end(),
-                                    [&](const auto& domain) { return domain->domainString() == payloadType; });
+    const auto found = std::find_if(m_domains.begin(), m_domains.end(), [&](const auto& domain) {
+        return domain->domainString() == payloadType;
+    });
     return found == m_domains.end() ? nullptr : *found;
 }
 
 bool Profile::hasPayloadOfType(const QString& payloadType) const {
-    return std::any_of(m_configurationPayloads.begin(), m_configurationPayloads.end(),
-                       [&](const auto& payload) { return payload->domainPrototype().domainString() == payloadType; });
+    return std::any_of(
+        m_configurationPayloads.begin(), m_configurationPayloads.end(),
+        [&](const auto& payload) { return payload->domainPrototype().domainString() == payloadType; });
 }
 
 std::shared_ptr<PreferenceKey> Profile::preferencesDefault(const QString& name) const {
@@ -206,7 +213,8 @@ std::shared_ptr<PreferenceKey> Profile::preferencesDefault(const QString& name) 
 }
 
 Payload::Pointer Profile::addPayload(const std::shared_ptr<const PFMDomain>& domain, bool announce) {
-    auto payload = Payload::makeNewPayload(domain, shared_from_this(), m_environment, makeUniquePayloadUUID());
+    auto payload =
+        Payload::makeNewPayload(domain, shared_from_this(), m_environment, makeUniquePayloadUUID());
     m_configurationPayloads.append(payload);
     if (announce)
         keyDidChange(payload.get(), nullptr);
@@ -215,9 +223,10 @@ Payload::Pointer Profile::addPayload(const std::shared_ptr<const PFMDomain>& dom
     return payload;
 }
 
-Payload::Pointer Profile::addPayloadFromFile(const std::shared_ptr<const PFMDomain>& domain, const QString& filePath) {
-    auto payload = Payload::makeNewPayloadFromFile(domain, shared_from_this(), m_environment, makeUniquePayloadUUID(),
-                                                   filePath);
+Payload::Pointer Profile::addPayloadFromFile(const std::shared_ptr<const PFMDomain>& domain,
+                                             const QString& filePath) {
+    auto payload = Payload::makeNewPayloadFromFile(domain, shared_from_this(), m_environment,
+                                                   makeUniquePayloadUUID(), filePath);
     m_configurationPayloads.append(payload);
     keyDidChange(payload.get(), nullptr);
     return payload;

@@ -49,7 +49,8 @@ public:
     enum class SigningNameError { unknownIdentity };
 
     // Nothing when no domain has an empty payload type, the root's.
-    static Pointer makeNewProfile(const DomainList& domains, std::shared_ptr<const ProfileEnvironment> environment);
+    static Pointer makeNewProfile(const DomainList& domains,
+                                  std::shared_ptr<const ProfileEnvironment> environment);
     static Expected<Pointer, Errors> parseProfile(const QByteArray& data, const DomainList& domains,
                                                   std::shared_ptr<const ProfileEnvironment> environment);
 
@@ -65,7 +66,9 @@ public:
         return m_loadedSignedButCannotBeSignedWithLoadedIdentity;
     }
     const std::optional<QString>& saveSignedWithCommonName() const { return m_saveSignedWithCommonName; }
-    void setSaveSignedWithCommonName(const std::optional<QString>& name) { m_saveSignedWithCommonName = name; }
+    void setSaveSignedWithCommonName(const std::optional<QString>& name) {
+        m_saveSignedWithCommonName = name;
+    }
     const std::optional<plist::Dictionary>& znthProfileProperties() const { return m_znthProfileProperties; }
     bool malformedPayloadContentRemoved() const { return m_malformedPayloadContentRemoved; }
     const DomainList& domains() const { return m_domains; }
@@ -73,7 +76,8 @@ public:
     void setDelegate(const std::weak_ptr<ProfileDelegate>& delegate) { m_delegate = delegate; }
 
     Payload::Pointer addPayload(const std::shared_ptr<const PFMDomain>& domain, bool announce = true);
-    Payload::Pointer addPayloadFromFile(const std::shared_ptr<const PFMDomain>& domain, const QString& filePath);
+    Payload::Pointer addPayloadFromFile(const std::shared_ptr<const PFMDomain>& domain,
+                                        const QString& filePath);
     void removePayload(const Payload::Pointer& payload);
     QString makeUniquePayloadUUID() const;
 
@@ -87,7 +91,8 @@ public:
     // The identity that signs: the given name, else the one remembered.
     // Nothing (or an empty name) means no signing; a name that the signing
     // services don't know fails.
-    Expected<std::optional<QString>, SigningNameError> signingName(const std::optional<QString>& commonName) const;
+    Expected<std::optional<QString>, SigningNameError>
+    signingName(const std::optional<QString>& commonName) const;
     std::optional<QString> payloadIdentifier() const;
 
     void keyDidChange(Payload* payload, PreferenceKey* key);
@@ -98,9 +103,8 @@ public:
 private:
     Profile(DomainList domains, std::shared_ptr<const ProfileEnvironment> environment);
 
-    static Expected<plist::Dictionary, Errors> readRootDictionary(const QByteArray& data,
-                                                                   const ProfileEnvironment& environment,
-                                                                   QStringList& signers);
+    static Expected<plist::Dictionary, Errors>
+    readRootDictionary(const QByteArray& data, const ProfileEnvironment& environment, QStringList& signers);
     static std::optional<Errors> checkPayloadType(const plist::Dictionary& root);
     void readPayloadContent(const plist::Array& content);
     void adoptSigners(const QStringList& signers);

@@ -35,7 +35,8 @@ std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeSystem() {
 std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeFromDefaults(const UserDefaults& defaults) {
     auto environment = makeSystemEnvironment();
     environment->identifierPrefix = nonEmpty(defaults.string(DefaultsKey::identifierPrefix));
-    environment->organizationName = nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsOrganizationName));
+    environment->organizationName =
+        nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsOrganizationName));
     environment->consentText = nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsConsentText));
     environment->signingIdentity = nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsSigningIdentity));
     return environment;

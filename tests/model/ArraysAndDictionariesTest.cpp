@@ -35,10 +35,10 @@ TEST_F(ArraysAndDictionariesTest, ItemsTakeTheFirstPrototypeTheyFitAndOthersAreD
         "text",
         7,
         dict({{"Host", "h.example"}, {"Port", 443}}),
-        true,                           // any number fits the integer prototype
-        plist::Value(QByteArray("x")),  // fits none
-        dict({{"Unknown", 1}}),         // names a subkey the item prototype lacks
-        plist::Value(plist::Date{10}),  // fits none
+        true,                          // any number fits the integer prototype
+        plist::Value(QByteArray("x")), // fits none
+        dict({{"Unknown", 1}}),        // names a subkey the item prototype lacks
+        plist::Value(plist::Date{10}), // fits none
     };
     const auto payload = read({{"Mixed", mixed}});
     const auto items = payload->keyAtPath("Mixed")->children();
@@ -75,13 +75,17 @@ TEST_F(ArraysAndDictionariesTest, EmptyArrayIsWrittenButArrayOfWrongClassIsNot) 
 }
 
 TEST_F(ArraysAndDictionariesTest, RepetitionBoundsNeitherTrimNorPad) {
-    const auto domain = domainWithKeys(
-        {keyTree("Servers", "array",
-                 {{"pfm_repetition_min", 2}, {"pfm_repetition_max", 3}, {"pfm_subkeys", plist::Array{itemTree("string")}}}),
-         keyTree("Backups", "array",
-                 {{"pfm_require", "always"}, {"pfm_repetition_min", 2}, {"pfm_subkeys", plist::Array{itemTree("string")}}})});
+    const auto domain = domainWithKeys({keyTree("Servers", "array",
+                                                {{"pfm_repetition_min", 2},
+                                                 {"pfm_repetition_max", 3},
+                                                 {"pfm_subkeys", plist::Array{itemTree("string")}}}),
+                                        keyTree("Backups", "array",
+                                                {{"pfm_require", "always"},
+                                                 {"pfm_repetition_min", 2},
+                                                 {"pfm_subkeys", plist::Array{itemTree("string")}}})});
     const plist::Array five{"a", "b", "c", "d", "e"};
-    const auto loaded = Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Servers", five}});
+    const auto loaded =
+        Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Servers", five}});
     EXPECT_EQ(loaded->keyAtPath("Servers")->children()->size(), 5);
     EXPECT_EQ(loaded->writeOutDictionary().value("Servers"), plist::Value(five));
 
@@ -92,12 +96,14 @@ TEST_F(ArraysAndDictionariesTest, RepetitionBoundsNeitherTrimNorPad) {
 }
 
 TEST_F(ArraysAndDictionariesTest, ConventionalDictionaryDropsUndescribedEntries) {
-    const plist::Value settings = dict({{"Mode", "fast"},
-                                        {"Bogus", 1},
-                                        {"Inner", dict({{"Flag", false}, {"Stray", "x"}, {"Levels", plist::Array{0.5, 1.5}}})}});
+    const plist::Value settings =
+        dict({{"Mode", "fast"},
+              {"Bogus", 1},
+              {"Inner", dict({{"Flag", false}, {"Stray", "x"}, {"Levels", plist::Array{0.5, 1.5}}})}});
     const auto payload = read({{"Settings", settings}});
-    EXPECT_EQ(writtenValue(payload, "Settings"),
-              dict({{"Mode", "fast"}, {"Inner", dict({{"Flag", false}, {"Levels", plist::Array{0.5, 1.5}}})}}));
+    EXPECT_EQ(
+        writtenValue(payload, "Settings"),
+        dict({{"Mode", "fast"}, {"Inner", dict({{"Flag", false}, {"Levels", plist::Array{0.5, 1.5}}})}}));
     EXPECT_EQ(*payload->keyAtPath("Settings.Inner.Flag")->value().plistValue(), plist::Value(false));
 }
 
@@ -120,8 +126,12 @@ TEST_F(ArraysAndDictionariesTest, CustomDictionariesAreWrittenWithEveryKey) {
 }
 
 TEST_F(ArraysAndDictionariesTest, WrongClassesReadAsAbsent) {
-    const auto payload = read({{"Count", "12"}, {"Ratio", 0.5}, {"EnableFeature", 1}, {"Settings", "x"},
-                               {"Blob", "text"}, {"When", 3}});
+    const auto payload = read({{"Count", "12"},
+                               {"Ratio", 0.5},
+                               {"EnableFeature", 1},
+                               {"Settings", "x"},
+                               {"Blob", "text"},
+                               {"When", 3}});
     EXPECT_TRUE(payload->keyAtPath("Count")->value().isAbsent());
     EXPECT_TRUE(payload->keyAtPath("Blob")->value().isAbsent());
     EXPECT_TRUE(payload->keyAtPath("When")->value().isAbsent());
@@ -141,10 +151,11 @@ TEST_F(ArraysAndDictionariesTest, DisplayableSubkeysFlattenInPrototypeOrder) {
 }
 
 TEST_F(ArraysAndDictionariesTest, RestoringDefaultsStopsAtTheFirstChildThatHasOne) {
-    const auto domain = domainWithKeys({keyTree(
-        "Pair", "dictionary",
-        {{"pfm_subkeys", plist::Array{keyTree("First", "string"), keyTree("Second", "string", {{"pfm_default", "b"}}),
-                                      keyTree("Third", "string", {{"pfm_default", "c"}})}}})});
+    const auto domain = domainWithKeys(
+        {keyTree("Pair", "dictionary",
+                 {{"pfm_subkeys", plist::Array{keyTree("First", "string"),
+                                               keyTree("Second", "string", {{"pfm_default", "b"}}),
+                                               keyTree("Third", "string", {{"pfm_default", "c"}})}}})});
     const auto payload = Payload::make(domain, nullptr, makeTestEnvironment());
     EXPECT_TRUE(payload->keyAtPath("Pair")->restoreDefaultValues());
     EXPECT_EQ(*payload->keyAtPath("Pair.Second")->value().plistValue(), plist::Value("b"));

@@ -22,7 +22,8 @@ namespace quorlin::test {
 // that many extra times, to force collisions.
 class CountingUUIDSource : public UUIDSource {
 public:
-    explicit CountingUUIDSource(int repeatFirst = 0) : m_repeatFirst(repeatFirst) {}
+    explicit CountingUUIDSource(int repeatFirst = 0)
+        : m_repeatFirst(repeatFirst) {}
     QString makeUUIDString() override {
         if (m_count == 1 && m_repeatFirst > 0) {
             --m_repeatFirst;
@@ -41,7 +42,8 @@ private:
 
 class FixedDateSource : public DateSource {
 public:
-    explicit FixedDateSource(plist::Date date) : m_date(date) {}
+    explicit FixedDateSource(plist::Date date)
+        : m_date(date) {}
     plist::Date now() override { return m_date; }
 
 private:
@@ -64,7 +66,8 @@ inline plist::Dictionary readDictionary(const QString& path) {
 }
 
 inline std::shared_ptr<const PFMDomain> fixtureDomain(const QString& name) {
-    return PFMDomain::make(readDictionary(testDataPath(QStringLiteral("model/manifests/%1.plist").arg(name))));
+    return PFMDomain::make(
+        readDictionary(testDataPath(QStringLiteral("model/manifests/%1.plist").arg(name))));
 }
 
 // The root, the removal password and the every-kind domain of our fixtures.
@@ -74,8 +77,8 @@ inline Profile::DomainList fixtureDomains() {
 }
 
 // A domain with the given top-level keys, made in code.
-inline std::shared_ptr<const PFMDomain> domainWithKeys(const plist::Array& keys,
-                                                       const QString& domain = QStringLiteral("com.example.test")) {
+inline std::shared_ptr<const PFMDomain>
+domainWithKeys(const plist::Array& keys, const QString& domain = QStringLiteral("com.example.test")) {
     return PFMDomain::make(manifestTree(domain, keys));
 }
 

@@ -24,7 +24,8 @@ plist::Array identityKeys(const std::optional<QString>& identifierDefault) {
             keyTree("Note", "string")};
 }
 
-std::shared_ptr<ProfileEnvironment> environmentWith(std::optional<QString> prefix, std::optional<QString> host) {
+std::shared_ptr<ProfileEnvironment> environmentWith(std::optional<QString> prefix,
+                                                    std::optional<QString> host) {
     auto environment = makeTestEnvironment();
     environment->identifierPrefix = std::move(prefix);
     environment->hostName = std::move(host);
@@ -35,8 +36,7 @@ TEST(PayloadTest, UndescribedTopLevelEntriesComeBackUnchanged) {
     const plist::Dictionary input{{"Name", "n"},
                                   {"VendorSetting", plist::Dictionary{{"deep", plist::Array{1, "x"}}}},
                                   {"Legacy", plist::Value(QByteArray("\x00\x01", 2))}};
-    const auto payload =
-        Payload::make(fixtureDomain("everything"), nullptr, makeTestEnvironment(), input);
+    const auto payload = Payload::make(fixtureDomain("everything"), nullptr, makeTestEnvironment(), input);
     ASSERT_TRUE(payload->unfamiliarPreferenceKeys());
     EXPECT_EQ(payload->unfamiliarPreferenceKeys()->keys(), (QStringList{"Legacy", "VendorSetting"}));
     const plist::Dictionary written = payload->writeOutDictionary();
@@ -51,14 +51,16 @@ TEST(PayloadTest, UndescribedTopLevelEntriesComeBackUnchanged) {
 
 TEST(PayloadTest, GhostValueReadFromFileIsNotWrittenBack) {
     const auto domain = domainWithKeys({keyTree("Shadow", "string", {{"pfm_quorlin_ghost_key", true}})});
-    const auto payload = Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Shadow", "s"}});
+    const auto payload =
+        Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Shadow", "s"}});
     EXPECT_EQ(*payload->keyAtPath("Shadow")->value().plistValue(), plist::Value("s"));
     EXPECT_FALSE(payload->unfamiliarPreferenceKeys());
     EXPECT_TRUE(payload->writeOutDictionary().isEmpty());
 }
 
 TEST(PayloadTest, NewPayloadJoinsTheDomainDefaultIdentifierAndItsUUID) {
-    const auto payload = Payload::makeNewPayload(fixtureDomain("everything"), nullptr, makeTestEnvironment(), uuid);
+    const auto payload =
+        Payload::makeNewPayload(fixtureDomain("everything"), nullptr, makeTestEnvironment(), uuid);
     EXPECT_EQ(payload->stringValue("PayloadUUID"), uuid);
     EXPECT_EQ(payload->stringValue("PayloadIdentifier"), "com.example.everything." + uuid);
     EXPECT_EQ(payload->stringValue("PayloadType"), "com.example.everything");
@@ -74,7 +76,8 @@ TEST(PayloadTest, IdentifierWithoutDomainDefaultUsesPrefixThenHostName) {
     const auto fromHost = Payload::makeNewPayload(domain, nullptr, environmentWith("", "Mac Pro (2)"), uuid);
     EXPECT_EQ(fromHost->stringValue("PayloadIdentifier"), "Mac-Pro-2." + uuid);
 
-    const auto nameless = Payload::makeNewPayload(domain, nullptr, environmentWith(std::nullopt, std::nullopt), uuid);
+    const auto nameless =
+        Payload::makeNewPayload(domain, nullptr, environmentWith(std::nullopt, std::nullopt), uuid);
     EXPECT_EQ(nameless->stringValue("PayloadIdentifier"), "." + uuid);
 }
 
@@ -94,7 +97,8 @@ TEST(PayloadTest, IdentifierWithoutUUIDTakesAFreshOne) {
     EXPECT_EQ(payload->generateIdentifier(), "com.example.everything." + CountingUUIDSource::format(1));
     EXPECT_FALSE(payload->stringValue("PayloadUUID"));
 
-    const auto withoutKey = Payload::make(domainWithKeys({keyTree("Note", "string")}), nullptr, makeTestEnvironment());
+    const auto withoutKey =
+        Payload::make(domainWithKeys({keyTree("Note", "string")}), nullptr, makeTestEnvironment());
     EXPECT_FALSE(withoutKey->generateIdentifier());
 }
 
@@ -108,7 +112,8 @@ TEST(PayloadTest, KeyAtPathNeedsDictionariesAlongTheWay) {
 
 TEST(PayloadTest, ExportCanStripThePayloadKeys) {
     QTemporaryDir folder;
-    const auto payload = Payload::makeNewPayload(fixtureDomain("everything"), nullptr, makeTestEnvironment(), uuid);
+    const auto payload =
+        Payload::makeNewPayload(fixtureDomain("everything"), nullptr, makeTestEnvironment(), uuid);
     payload->keyAtPath("Count")->setValue(plist::Value(3));
     const QString path = folder.filePath("export.plist");
 
@@ -127,7 +132,8 @@ TEST(PayloadTest, FileBasedPayloadTakesTheFileBytesAndName) {
     file.write(QByteArray("\x30\x82\x01\x0a", 4));
     file.close();
     const auto domain = PFMDomain::make(
-        manifestTree("com.example.file", {keyTree("PayloadContent", "data"), keyTree("PayloadCertificateFileName", "string")},
+        manifestTree("com.example.file",
+                     {keyTree("PayloadContent", "data"), keyTree("PayloadCertificateFileName", "string")},
                      {{"pfm_quorlin_file_based_payload", true},
                       {"pfm_quorlin_payload_file_data_subkey", "PayloadContent"},
                       {"pfm_quorlin_payload_file_name_subkey", "PayloadCertificateFileName"}}));
@@ -136,8 +142,8 @@ TEST(PayloadTest, FileBasedPayloadTakesTheFileBytesAndName) {
               (plist::Dictionary{{"PayloadContent", plist::Value(QByteArray("\x30\x82\x01\x0a", 4))},
                                  {"PayloadCertificateFileName", "certificate.cer"}}));
 
-    const auto unreadable =
-        Payload::makeNewPayloadFromFile(domain, nullptr, makeTestEnvironment(), uuid, folder.filePath("gone.cer"));
+    const auto unreadable = Payload::makeNewPayloadFromFile(domain, nullptr, makeTestEnvironment(), uuid,
+                                                            folder.filePath("gone.cer"));
     EXPECT_TRUE(unreadable->keyAtPath("PayloadContent")->value().isAbsent());
 }
 

@@ -27,9 +27,12 @@ plist::Dictionary payloadDictionary(const QString& type, const QString& uuid, pl
 }
 
 plist::Dictionary profileTree(const plist::Array& content, const plist::Dictionary& extra = {}) {
-    plist::Dictionary root{{"PayloadType", "Configuration"},   {"PayloadUUID", "ROOT-UUID"},
-                           {"PayloadIdentifier", "org.example.root"}, {"PayloadVersion", 1},
-                           {"PayloadDisplayName", "Test"},     {"PayloadContent", content}};
+    plist::Dictionary root{{"PayloadType", "Configuration"},
+                           {"PayloadUUID", "ROOT-UUID"},
+                           {"PayloadIdentifier", "org.example.root"},
+                           {"PayloadVersion", 1},
+                           {"PayloadDisplayName", "Test"},
+                           {"PayloadContent", content}};
     for (auto entry = extra.begin(); entry != extra.end(); ++entry)
         root.insert(entry.key(), entry.value());
     return root;
@@ -83,8 +86,10 @@ TEST_F(ProfileTest, NewProfileTakesIdentifiersAndPreferences) {
     const QString uuid = CountingUUIDSource::format(1);
     EXPECT_EQ(profile->rootPayload()->stringValue("PayloadUUID"), uuid);
     EXPECT_EQ(profile->payloadIdentifier(), "Test-Host." + uuid);
-    EXPECT_EQ(profile->preferencesDefault(".PayloadOrganization"), profile->rootPayload()->keyAtPath("PayloadOrganization"));
-    EXPECT_EQ(profile->preferencesDefault(".ConsentText"), profile->rootPayload()->keyAtPath("ConsentText.default"));
+    EXPECT_EQ(profile->preferencesDefault(".PayloadOrganization"),
+              profile->rootPayload()->keyAtPath("PayloadOrganization"));
+    EXPECT_EQ(profile->preferencesDefault(".ConsentText"),
+              profile->rootPayload()->keyAtPath("ConsentText.default"));
 
     const plist::Dictionary root = saved(*profile);
     EXPECT_EQ(root.value("PayloadType"), plist::Value("Configuration"));
@@ -96,26 +101,31 @@ TEST_F(ProfileTest, NewProfileTakesIdentifiersAndPreferences) {
 TEST_F(ProfileTest, WhatIsNotAConfigurationProfileIsRefused) {
     EXPECT_EQ(parseError("not a property list"), Errors::profileParsingFailedUnknown);
     EXPECT_EQ(parseError(xml(plist::Array{1})), Errors::profileParsingFailedUnknown);
-    EXPECT_EQ(parseError(xml(plist::Dictionary{{"PayloadContent", plist::Array{}}})), Errors::profileParsingFailedUnknown);
+    EXPECT_EQ(parseError(xml(plist::Dictionary{{"PayloadContent", plist::Array{}}})),
+              Errors::profileParsingFailedUnknown);
     EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadType", "Profile Service"}}))),
               Errors::profileParsingFailedProfileServicePayload);
     EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadType", "Enrollment Service"}}))),
               Errors::profileParsingFailedEnrollmentServicePayload);
-    EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadType", "configuration"}}))), Errors::profileParsingFailedUnknown);
+    EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadType", "configuration"}}))),
+              Errors::profileParsingFailedUnknown);
     plist::Dictionary withoutContent = profileTree({});
     withoutContent.remove("PayloadContent");
     EXPECT_EQ(parseError(xml(withoutContent)), Errors::profileParsingFailedUnknown);
-    EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadContent", "none"}}))), Errors::profileParsingFailedUnknown);
+    EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadContent", "none"}}))),
+              Errors::profileParsingFailedUnknown);
 
-    const auto noRoot = Profile::parseProfile(xml(profileTree({})), {fixtureDomain("everything")}, environment);
+    const auto noRoot =
+        Profile::parseProfile(xml(profileTree({})), {fixtureDomain("everything")}, environment);
     ASSERT_FALSE(noRoot);
     EXPECT_EQ(noRoot.error(), Errors::profileParsingFailedUnknown);
 }
 
 TEST_F(ProfileTest, UnknownPayloadsAreKeptAndSavedAfterKnownOnes) {
-    const plist::Dictionary unknown = payloadDictionary("com.vendor.secret", "U-1", {{"Anything", plist::Array{1, 2}}});
-    const plist::Dictionary known = payloadDictionary("com.example.everything", "K-1",
-                                                      {{"PayloadIdentifier", "org.example.known"}, {"Name", "n"}});
+    const plist::Dictionary unknown =
+        payloadDictionary("com.vendor.secret", "U-1", {{"Anything", plist::Array{1, 2}}});
+    const plist::Dictionary known = payloadDictionary(
+        "com.example.everything", "K-1", {{"PayloadIdentifier", "org.example.known"}, {"Name", "n"}});
     const auto profile = parse(profileTree({unknown, known}));
     ASSERT_TRUE(profile);
     EXPECT_EQ(profile->unfamiliarPayloads(), QList<plist::Dictionary>{unknown});
@@ -143,7 +153,8 @@ TEST_F(ProfileTest, DuplicateUUIDIsReplacedOnSaveForTheLaterPayloadOnly) {
         {payloadDictionary("com.example.everything", "SAME", {{"PayloadIdentifier", "org.example.a"}}),
          payloadDictionary("com.example.everything", "SAME", {{"PayloadIdentifier", "org.example.b"}})}));
     const auto second = profile->configurationPayloads()[1];
-    EXPECT_EQ(profile->validationErrors(), (QList<Profile::ValidationError>{{ErrorKind::nonUniquePayloadUUIDFound, second}}));
+    EXPECT_EQ(profile->validationErrors(),
+              (QList<Profile::ValidationError>{{ErrorKind::nonUniquePayloadUUIDFound, second}}));
 
     const plist::Array content = savedContent(*profile);
     EXPECT_EQ(content[0].dictionary()->value("PayloadUUID"), plist::Value("SAME"));
@@ -166,11 +177,13 @@ TEST_F(ProfileTest, IdentifierLeftAtDefaultOrRepeatedIsRegenerated) {
 
 TEST_F(ProfileTest, MissingRequiredIdentifiersAreReportedButNotRepaired) {
     // Without a default, nothing fills the identifier in.
-    const auto bareDomain = domainWithKeys({keyTree("PayloadUUID", "string", {{"pfm_require", "always"}}),
-                                            keyTree("PayloadIdentifier", "string", {{"pfm_require", "always"}})},
-                                           "com.example.bare");
-    const auto parsed = Profile::parseProfile(xml(profileTree({plist::Dictionary{{"PayloadType", "com.example.bare"}}})),
-                                              fixtureDomains() << bareDomain, environment);
+    const auto bareDomain =
+        domainWithKeys({keyTree("PayloadUUID", "string", {{"pfm_require", "always"}}),
+                        keyTree("PayloadIdentifier", "string", {{"pfm_require", "always"}})},
+                       "com.example.bare");
+    const auto parsed =
+        Profile::parseProfile(xml(profileTree({plist::Dictionary{{"PayloadType", "com.example.bare"}}})),
+                              fixtureDomains() << bareDomain, environment);
     ASSERT_TRUE(parsed);
     const auto profile = *parsed;
     const auto payload = profile->configurationPayloads().first();
@@ -221,10 +234,11 @@ TEST_F(ProfileTest, SiblingProductsNewProfileGetsItsFirstPayload) {
     ASSERT_EQ(profile->configurationPayloads().size(), 1);
     EXPECT_FALSE(saved(*profile).contains("ZNTHProfileProperties"));
 
-    const plist::Dictionary single{{"IsNewProfile", true}, {"PayloadType", "com.apple.profileRemovalPassword"}};
-    const auto withSingle = parse(profileTree(
-        {payloadDictionary("com.apple.profileRemovalPassword", "R-1", {{"PayloadIdentifier", "org.example.r"}})},
-        {{"ZNTHProfileProperties", single}}));
+    const plist::Dictionary single{{"IsNewProfile", true},
+                                   {"PayloadType", "com.apple.profileRemovalPassword"}};
+    const auto withSingle = parse(profileTree({payloadDictionary("com.apple.profileRemovalPassword", "R-1",
+                                                                 {{"PayloadIdentifier", "org.example.r"}})},
+                                              {{"ZNTHProfileProperties", single}}));
     EXPECT_EQ(withSingle->configurationPayloads().size(), 1);
 }
 
