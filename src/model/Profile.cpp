@@ -396,10 +396,8 @@ void Profile::followRemovalPasscode(const PreferenceKey& key) {
             addPayload(domain);
         return;
     }
-    const auto removed = m_configurationPayloads.removeIf(
+    m_configurationPayloads.removeIf(
         [](const auto& payload) { return payload->domainPrototype().domainString() == removalPasswordType; });
-    if (removed == 0)
-        return;
     if (const auto delegate = m_delegate.lock())
         delegate->profileRemovalPasswordPayloadCountDidChange(*this);
 }

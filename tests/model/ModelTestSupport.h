@@ -14,6 +14,7 @@
 #include <QString>
 
 #include <memory>
+#include <ostream>
 
 namespace quorlin::test {
 
@@ -92,3 +93,13 @@ inline plist::Dictionary condition(const QString& target, const QString& test, c
 }
 
 } // namespace quorlin::test
+
+namespace quorlin {
+inline void PrintTo(const Profile::ValidationError& error, std::ostream* out) {
+    *out << "{kind " << int(error.kind) << ", payload "
+         << error.payload->stringValue(QStringLiteral("PayloadUUID"))
+                .value_or(QStringLiteral("?"))
+                .toStdString()
+         << "}";
+}
+} // namespace quorlin
