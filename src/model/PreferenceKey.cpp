@@ -383,10 +383,11 @@ std::optional<SupportedPlatforms> PreferenceKey::supportedPlatforms() const {
 
 QList<PFMXSupportedOSes> PreferenceKey::collectSupportedOSes() const {
     QList<PFMXSupportedOSes> collected;
-    for (Pointer key = std::const_pointer_cast<PreferenceKey>(shared_from_this()); key;
-         key = key->parentKey()) {
-        if (key->m_prototype->supportedOSes())
-            collected.append(*key->m_prototype->supportedOSes());
+    if (m_prototype->supportedOSes())
+        collected.append(*m_prototype->supportedOSes());
+    for (Pointer ancestor = parentKey(); ancestor; ancestor = ancestor->parentKey()) {
+        if (ancestor->m_prototype->supportedOSes())
+            collected.append(*ancestor->m_prototype->supportedOSes());
     }
     return collected;
 }
