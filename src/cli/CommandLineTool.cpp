@@ -1,5 +1,6 @@
 #include "cli/CommandLineTool.h"
 
+#include "cli/DomainsCommand.h"
 #include "cli/ExitCode.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
@@ -37,6 +38,7 @@ qsizetype wordCount(const Command& command) {
 
 CommandLineTool::CommandLineTool() {
     // Every command: one line each.
+    add(std::make_unique<DomainsCommand>());
     add(std::make_unique<PlistConvertCommand>());
     add(std::make_unique<PlistLintCommand>());
 }

@@ -238,7 +238,10 @@ void PFMDomain::assignDisplayGroups(const plist::Dictionary& manifest, const Mut
     }
     if (!ungroupedKeys.isEmpty())
         place(freeOtherLabel(groups), ungroupedKeys);
-    m_displayGroupsLabelMap = labelMap;
+    // When the order names none of the groups that got keys and no key is
+    // left over, nothing was placed: a selector without segments isn't a grouping.
+    if (!labelMap.isEmpty())
+        m_displayGroupsLabelMap = labelMap;
 }
 
 void PFMDomain::findPayloadFileDataSubkeyPrototype() {

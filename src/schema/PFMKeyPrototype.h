@@ -98,6 +98,7 @@ public:
     const std::optional<PFMXSupportedOSes>& supportedOSes() const { return m_supportedOSes; }
     const std::optional<plist::Array>& suggestions() const { return m_suggestions; }
     const std::optional<QString>& note() const { return m_note; }
+    // Fixed at construction, so any thread may read it without a lock.
     RepresentableDictionary representedDictionary() const { return m_representedDictionary; }
 
     // Names, titles and descriptions of this key and, unless it is a custom

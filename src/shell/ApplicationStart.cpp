@@ -5,6 +5,7 @@
 #include "shell/AnalyticsIntegration.h"
 #include "shell/FactoryDefaults.h"
 #include "shell/VersionMigrations.h"
+#include "supply/PFMDomainManager.h"
 
 namespace quorlin {
 
@@ -25,7 +26,8 @@ void ApplicationStart::run() {
         m_analytics.setup(AnalyticsIntegration::applicationSecret());
         m_topPriorityUICalled = true;
     }
-    // Next: obtain the shared domain manager, which loads the manifests.
+    // Last, as it reads the repository settings that the steps above registered and migrated.
+    m_domainManager = &PFMDomainManager::shared();
 }
 
 void ApplicationStart::cleanOldUpdaterDefault(UserDefaults& defaults) {

@@ -5,6 +5,7 @@
 namespace quorlin {
 
 class AnalyticsIntegration;
+class PFMDomainManager;
 class UserDefaults;
 
 // The headless start shared by the editor and the command-line tool: what
@@ -19,6 +20,9 @@ public:
 
     void run();
 
+    // The shared domain manager, once run() has obtained it.
+    PFMDomainManager* domainManager() const { return m_domainManager; }
+
     // Removes the setting of the old self-updater on a first start: the
     // program has no updater, and a stale value would only confuse.
     static void cleanOldUpdaterDefault(UserDefaults& defaults);
@@ -28,6 +32,7 @@ private:
     AnalyticsIntegration& m_analytics;
     QString m_currentVersion;
     bool m_topPriorityUICalled = false;
+    PFMDomainManager* m_domainManager = nullptr;
 };
 
 } // namespace quorlin

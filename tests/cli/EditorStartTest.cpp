@@ -41,7 +41,8 @@ TEST_F(EditorStartTest, AnswersVersionAndHelpWithoutStarting) {
 TEST_F(EditorStartTest, TheHeadlessStartCompletes) {
     const ToolRun start = m_editor.run({});
     EXPECT_EQ(start.exitCode, 0) << start.error.toStdString();
-    EXPECT_EQ(start.output, QByteArray("Quorlin Profile Editor " QUORLIN_VERSION ": start completed\n"));
+    // Until the window exists, the editor lists the domains it loaded: here the bundled general one.
+    EXPECT_EQ(start.output, QByteArray("\"\"\tGeneral\n"));
 }
 
 TEST_F(EditorStartTest, AFirstStartSavesOnlyTheVersionInTheSettingsFolderItWasGiven) {

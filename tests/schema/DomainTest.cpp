@@ -316,6 +316,12 @@ TEST(DomainDisplayGroups, OrderArrayDecidesAndLabelsMissingFromItGetNoIndex) {
     EXPECT_EQ(*partial->displayGroupsLabelMap(), (QMap<int, QString>{{0, "Security"}, {1, "Other"}}));
     EXPECT_EQ(groupIndexes(*partial),
               (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", 0}, {"Misc", 1}}));
+
+    const auto noneNamed =
+        domainWith({{"pfm_quorlin_groups", groups}, {"pfm_quorlin_groups_order", Array{"Unused"}}},
+                   {keyTree("Host", "string"), keyTree("Password", "string")});
+    EXPECT_FALSE(noneNamed->displayGroupsLabelMap());
+    EXPECT_EQ(groupIndexes(*noneNamed), (std::map<QString, int>{{"Host", -1}, {"Password", -1}}));
 }
 
 TEST(DomainDisplayGroups, NeedTwoGroupsInTheManifestAndTwoThatGetKeys) {
@@ -357,17 +363,4 @@ TEST(DomainDisplayGroups, OtherLabelStepsAsideForAGroupOfThatName) {
     EXPECT_EQ(*twice->displayGroupsLabelMap(),
               (QMap<int, QString>{{0, "Other"}, {1, "Other 1"}, {2, "Other 2"}}));
     EXPECT_EQ(groupIndexes(*twice), (std::map<QString, int>{{"Host", 0}, {"Port", 2}, {"Password", 1}}));
-}
-
-TEST(DomainLifetime, KeysOutliveTheirDomainWhenSomeoneHoldsThem) {
-    std::shared_ptr<const PFMKeyPrototype> kept;
-    std::weak_ptr<const PFMDomain> watched;
-    {
-        const auto domain = domainWith({});
-        watched = domain;
-        kept = domain->keyPrototypes()[1];
-    }
-    EXPECT_TRUE(watched.expired());
-    EXPECT_EQ(kept->name(), QStringLiteral("Port"));
-    EXPECT_EQ(kept->kind(), PFMKeyPrototype::Kind::integer);
 }

@@ -1,6 +1,8 @@
 #include "plist/ApplicationIdentity.h"
 #include "plist/UserDefaults.h"
 #include "shell/ApplicationStart.h"
+#include "supply/PFMDomainManager.h"
+#include "supply/ResourceFolder.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -10,18 +12,26 @@
 namespace {
 
 void printLine(std::FILE* stream, const QString& line) {
-    std::fputs(qPrintable(line + u'\n'), stream);
+    std::fputs((line + u'\n').toUtf8().constData(), stream);
 }
 
 QString usage() {
     return QStringLiteral("Usage: quorlin-profile-editor [--help] [--version]\n"
                           "\n"
                           "Starts %1: registers the settings, brings those of an\n"
-                          "earlier version up to date, and prepares the manifests.\n"
+                          "earlier version up to date, loads the manifests and lists the payload\n"
+                          "domains they offer, one per line: the domain (\"\" for the general\n"
+                          "settings of a profile), a tab and its title.\n"
                           "\n"
                           "  -h, --help  Show this help\n"
                           "  --version   Show the version")
         .arg(quorlin::ApplicationIdentity::displayName());
+}
+
+// The general domain's string is empty; a blank field would read as a missing one.
+QString domainLine(const quorlin::PFMDomain& domain) {
+    const QString name = domain.domainString().isEmpty() ? QStringLiteral("\"\"") : domain.domainString();
+    return name + u'\t' + domain.title();
 }
 
 } // namespace
@@ -47,9 +57,14 @@ int main(int argc, char** argv) {
         return 2;
     }
 
-    quorlin::ApplicationStart(quorlin::UserDefaults::standard()).run();
-    printLine(stdout, QStringLiteral("%1 %2: start completed")
-                          .arg(quorlin::ApplicationIdentity::displayName(),
-                               quorlin::ApplicationIdentity::shortVersionString()));
+    if (!quorlin::ResourceFolder::locate()) {
+        printLine(stderr,
+                  QStringLiteral("quorlin-profile-editor: ") + quorlin::ResourceFolder::missingMessage());
+        return 1;
+    }
+    quorlin::ApplicationStart start(quorlin::UserDefaults::standard());
+    start.run();
+    for (const auto& domain : start.domainManager()->domains())
+        printLine(stdout, domainLine(*domain));
     return 0;
 }

@@ -1,0 +1,206 @@
+#include "ToolProcess.h"
+
+#include "plist/XmlWriter.h"
+#include "support/TestSupport.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+using namespace quorlin;
+using quorlin::test::ToolProcess;
+using quorlin::test::ToolRun;
+
+namespace {
+
+// The keys of a profile's own that the bundled general manifest describes.
+const int kGeneralKeyCount = 13;
+
+QStringList lines(const QByteArray& output) {
+    return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
+}
+
+QJsonArray jsonArray(const QByteArray& output) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(output, &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    EXPECT_TRUE(document.isArray());
+    return document.array();
+}
+
+QJsonObject domainObject(const QString& domain, const QString& title, const QString& category,
+                         const QStringList& platforms, int keyCount) {
+    return QJsonObject{{"domain", domain},
+                       {"title", title},
+                       {"category", category},
+                       {"platforms", QJsonArray::fromStringList(platforms)},
+                       {"keyCount", keyCount}};
+}
+
+bool copyFolder(const QString& from, const QString& to) {
+    QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QString target = QDir(to).filePath(QDir(from).relativeFilePath(source));
+        if (!QDir().mkpath(QFileInfo(target).path()) || !QFile::copy(source, target))
+            return false;
+    }
+    return true;
+}
+
+class DomainsCommandTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(m_tool.isValid()); }
+
+    // Saves settings where the tool reads them, as the editor's preferences would.
+    void saveSettings(const plist::Dictionary& settings) {
+        const QString path =
+            m_tool.configFolder() + QStringLiteral("/quorlin-profile-editor/com.quorlin.ProfileEditor.plist");
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(*plist::XmlWriter::write(settings));
+    }
+    // A user manifest folder with the supply tests' overrides, chosen in the settings.
+    QString chooseUserFolder() {
+        const QString folder = m_tool.path(QStringLiteral("My Manifests"));
+        EXPECT_TRUE(copyFolder(test::testDataPath("supply/user-folder"), folder));
+        saveSettings({{"userManifestFolderBookmark", folder.toUtf8()}});
+        return folder;
+    }
+
+    ToolProcess m_tool;
+};
+
+} // namespace
+
+TEST_F(DomainsCommandTest, ListsTheBundledGeneralDomainWhenNothingElseIsConfigured) {
+    const ToolRun run = m_tool.run({"domains"});
+    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
+    EXPECT_EQ(lines(run.output),
+              QStringList{QStringLiteral("\"\"\tGeneral\troot\t%1\tiOS,macOS,tvOS").arg(kGeneralKeyCount)});
+    EXPECT_TRUE(run.error.isEmpty());
+
+    const ToolRun json = m_tool.run({"domains", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << json.error.toStdString();
+    EXPECT_EQ(jsonArray(json.output),
+              QJsonArray{domainObject("", "General", "root", {"iOS", "macOS", "tvOS"}, kGeneralKeyCount)});
+}
+
+TEST_F(DomainsCommandTest, AUserFolderOverridesTheBundledDomainInTheListing) {
+    chooseUserFolder();
+    const ToolRun run = m_tool.run({"domains"});
+    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
+    EXPECT_EQ(lines(run.output),
+              (QStringList{
+                  "\"\"\tProfile Basics (house rules)\troot\t3\tiOS,macOS,tvOS,watchOS",
+                  "com.example.browser\tBrowser (second override)\tapplication\t2\tiOS,macOS,tvOS,watchOS",
+                  "com.example.chat\tChat\tuser\t1\tiOS,macOS,tvOS,watchOS",
+              }));
+
+    const QJsonArray json = jsonArray(m_tool.run({"domains", "--json"}).output);
+    ASSERT_EQ(json.size(), 3);
+    EXPECT_EQ(json[0].toObject()["domain"].toString(), QString());
+    EXPECT_EQ(json[0].toObject()["title"].toString(), QStringLiteral("Profile Basics (house rules)"));
+    EXPECT_EQ(json[1].toObject()["title"].toString(), QStringLiteral("Browser (second override)"));
+}
+
+TEST_F(DomainsCommandTest, AnOverrideNeedsTheOnlineRepositoryType) {
+    const QString folder = m_tool.path(QStringLiteral("My Manifests"));
+    ASSERT_TRUE(copyFolder(test::testDataPath("supply/user-folder"), folder));
+    saveSettings(
+        {{"userManifestFolderBookmark", folder.toUtf8()}, {"manifestRepositoryType", "quorlin_standard"}});
+    const ToolRun run = m_tool.run({"domains"});
+    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
+    ASSERT_EQ(lines(run.output).size(), 1);
+    EXPECT_TRUE(lines(run.output).first().startsWith("\"\"\tGeneral\t"));
+}
+
+TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone) {
+    const QString folder = test::testDataPath("supply/repository");
+    const ToolRun run = m_tool.run({"domains", "--manifests", folder});
+    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
+    EXPECT_EQ(lines(run.output), (QStringList{
+                                     "com.example.mail\tMail Account\tsystem\t2\tmacOS",
+                                     "com.example.browser\tBrowser\tapplication\t3\tiOS,macOS",
+                                     "\"\"\tProfile Basics\troot\t2\tiOS,macOS,tvOS,watchOS",
+                                     "4 files gave no domain",
+                                 }));
+
+    const ToolRun json = m_tool.run({"domains", "--json", "--manifests", folder});
+    ASSERT_EQ(json.exitCode, 0) << json.error.toStdString();
+    EXPECT_EQ(
+        jsonArray(json.output),
+        (QJsonArray{domainObject("com.example.mail", "Mail Account", "system", {"macOS"}, 2),
+                    domainObject("com.example.browser", "Browser", "application", {"iOS", "macOS"}, 3),
+                    domainObject("", "Profile Basics", "root", {"iOS", "macOS", "tvOS", "watchOS"}, 2)}));
+    // Standard output holds the array alone; the count goes beside it.
+    EXPECT_EQ(json.error, QByteArray("4 files gave no domain\n"));
+
+    const ToolRun empty = m_tool.run({"domains", "--manifests", m_tool.path(".")});
+    ASSERT_EQ(empty.exitCode, 0);
+    EXPECT_EQ(empty.output, QByteArray("0 files gave no domain\n"));
+}
+
+TEST_F(DomainsCommandTest, RefusesAWrongCommandLineAndAFolderThatIsNone) {
+    const QString missing = m_tool.path("missing");
+    const ToolRun notAFolder = m_tool.run({"domains", "--manifests", missing});
+    EXPECT_EQ(notAFolder.exitCode, 2);
+    EXPECT_EQ(notAFolder.error,
+              QStringLiteral("quorlin-profile domains: %1: not a folder\n").arg(missing).toUtf8());
+    EXPECT_TRUE(notAFolder.output.isEmpty());
+
+    for (const QStringList& arguments :
+         {QStringList{"domains", "extra"}, QStringList{"domains", "--frobnicate"},
+          QStringList{"domains", "--manifests"}}) {
+        const ToolRun run = m_tool.run(arguments);
+        EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(run.error.startsWith("quorlin-profile domains: ")) << run.error.toStdString();
+    }
+    // After "--", "--json" is an operand like any other.
+    EXPECT_EQ(m_tool.run({"domains", "--", "--json"}).exitCode, 2);
+
+    const ToolRun help = m_tool.run({"--help"});
+    EXPECT_TRUE(help.output.contains("  domains ")) << help.output.toStdString();
+}
+
+TEST_F(DomainsCommandTest, StopsWithAMessageWhenTheResourcesAreMissing) {
+    // A copy of the tool in a folder with no share/ beside it.
+    const QString bin = m_tool.path("bin");
+    ASSERT_TRUE(QDir().mkpath(bin));
+    const QString binaryFolder =
+        qEnvironmentVariable("QUORLIN_BIN_DIR", QStringLiteral(QUORLIN_BINARY_DIR "/bin"));
+    for (const char* executable : {"quorlin-profile", "quorlin-profile-editor"})
+        ASSERT_TRUE(QFile::copy(QDir(binaryFolder).filePath(executable), QDir(bin).filePath(executable)));
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_CONFIG_HOME", m_tool.configFolder());
+    environment.insert("XDG_DATA_HOME", m_tool.dataFolder());
+    QProcess tool;
+    tool.setProcessEnvironment(environment);
+    tool.start(QDir(bin).filePath("quorlin-profile"), {"domains"});
+    ASSERT_TRUE(tool.waitForFinished(60000));
+    EXPECT_EQ(tool.exitCode(), 2);
+    const QByteArray error = tool.readAllStandardError();
+    EXPECT_TRUE(error.startsWith("quorlin-profile domains: The application's resources are missing"))
+        << error.toStdString();
+    EXPECT_TRUE(error.contains(QDir::cleanPath(m_tool.path("share/quorlin-profile-editor")).toUtf8()));
+
+    // A folder of manifests needs no resources.
+    tool.start(QDir(bin).filePath("quorlin-profile"), {"domains", "--manifests", bin});
+    ASSERT_TRUE(tool.waitForFinished(60000));
+    EXPECT_EQ(tool.exitCode(), 0);
+
+    QProcess editor;
+    editor.setProcessEnvironment(environment);
+    editor.start(QDir(bin).filePath("quorlin-profile-editor"), {});
+    ASSERT_TRUE(editor.waitForFinished(60000));
+    EXPECT_EQ(editor.exitCode(), 1);
+    EXPECT_TRUE(editor.readAllStandardError().startsWith(
+        "quorlin-profile-editor: The application's resources are missing"));
+}
