@@ -1,8 +1,9 @@
 // Makes a profile with one payload of every domain of a folder of
 // manifests, saves it and reads it back, and reports the time of each step.
-// The folder is $QUORLIN_MODEL_BENCH_MANIFESTS when set (point it at the
-// bundled set), else the manifest corpus, else our own test manifests. A
-// folder without a root domain borrows ours.
+// The folder is the first of these that holds a domain besides the root:
+// $QUORLIN_MODEL_BENCH_MANIFESTS, the bundled set, the manifest corpus, our
+// own test manifests. A folder without a root domain borrows the bundled
+// one, or ours.
 #include "model/Profile.h"
 #include "model/ProfileEnvironment.h"
 #include "plist/PlistReader.h"
@@ -23,6 +24,7 @@ using namespace quorlin;
 namespace {
 
 const QString fixtureFolder = QStringLiteral(QUORLIN_MODEL_FIXTURES);
+const QString bundledFolder = QStringLiteral(QUORLIN_BUNDLED_MANIFESTS);
 
 std::shared_ptr<const PFMDomain> readDomain(const QString& path) {
     QFile file(path);
@@ -48,12 +50,9 @@ Profile::DomainList readDomains(const QString& folder) {
     return domains;
 }
 
-QString manifestFolder() {
-    const QString chosen = qEnvironmentVariable("QUORLIN_MODEL_BENCH_MANIFESTS");
-    if (!chosen.isEmpty())
-        return chosen;
-    const QString corpus = QDir::cleanPath(QStringLiteral(QUORLIN_CORPUS_DIR "/profile-manifests/Manifests"));
-    return QDir(corpus).exists() ? corpus : fixtureFolder;
+bool hasRoot(const Profile::DomainList& domains) {
+    return std::any_of(domains.begin(), domains.end(),
+                       [](const auto& domain) { return domain->domainString().isEmpty(); });
 }
 
 struct Workload {
@@ -62,17 +61,33 @@ struct Workload {
     std::shared_ptr<const ProfileEnvironment> environment = ProfileEnvironment::makeSystem();
 };
 
+Workload loadWorkload() {
+    const QStringList folders{
+        qEnvironmentVariable("QUORLIN_MODEL_BENCH_MANIFESTS"), bundledFolder,
+        QDir::cleanPath(QStringLiteral(QUORLIN_CORPUS_DIR "/profile-manifests/Manifests")), fixtureFolder};
+    Workload result;
+    for (const QString& folder : folders) {
+        if (folder.isEmpty() || !QDir(folder).exists())
+            continue;
+        result.folder = folder;
+        result.domains = readDomains(folder);
+        if (result.domains.size() > (hasRoot(result.domains) ? 1 : 0))
+            break;
+    }
+    for (const QString& rootFolder : {bundledFolder, fixtureFolder}) {
+        if (hasRoot(result.domains))
+            break;
+        const auto roots = readDomains(rootFolder);
+        const auto root = std::find_if(roots.begin(), roots.end(),
+                                       [](const auto& domain) { return domain->domainString().isEmpty(); });
+        if (root != roots.end())
+            result.domains.prepend(*root);
+    }
+    return result;
+}
+
 const Workload& workload() {
-    static const Workload loaded = [] {
-        Workload result;
-        result.folder = manifestFolder();
-        result.domains = readDomains(result.folder);
-        const auto hasRoot = std::any_of(result.domains.begin(), result.domains.end(),
-                                         [](const auto& domain) { return domain->domainString().isEmpty(); });
-        if (!hasRoot)
-            result.domains.prepend(readDomain(fixtureFolder + QStringLiteral("/root.plist")));
-        return result;
-    }();
+    static const Workload loaded = loadWorkload();
     return loaded;
 }
 
@@ -125,7 +140,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     const auto& load = workload();
-    if (load.domains.isEmpty() || !load.domains.first()) {
+    if (!hasRoot(load.domains)) {
         std::fprintf(stderr, "No domains under %s\n", qPrintable(load.folder));
         return 1;
     }
