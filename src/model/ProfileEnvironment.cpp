@@ -2,7 +2,7 @@
 
 #include "model/SystemDateSource.h"
 #include "model/SystemUUIDSource.h"
-#include "plist/ProfileDefaultsKeys.h"
+#include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 
 #include <QRegularExpression>

@@ -2,7 +2,7 @@
 // preferences read from the user defaults.
 
 #include "model/ProfileEnvironment.h"
-#include "plist/ProfileDefaultsKeys.h"
+#include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 
 #include <QDateTime>
