@@ -1,9 +1,11 @@
 #pragma once
 
+// cms.h declares its PEM functions only when pem.h came first.
+#include <openssl/pem.h>
+
 #include <openssl/bio.h>
 #include <openssl/cms.h>
 #include <openssl/evp.h>
-#include <openssl/pem.h> // before cms.h, which declares its PEM functions only after it
 #include <openssl/pkcs12.h>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
