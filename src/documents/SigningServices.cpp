@@ -212,9 +212,9 @@ std::optional<SigningIdentity> SigningServices::importPKCS12(const QString& file
     const QString path = QDir(identitiesFolder()).filePath(fingerprintFileName(certificate.get()));
     if (!IdentityFile::write(path, certificate.get(), chain.get(), key.get(), newPassphrase.toUtf8()))
         return std::nullopt;
-    const SigningIdentity identity{
-        IdentityFile::commonName(certificate.get()).value_or(unknownName()), {path}, false};
-    return SigningIdentity{identity.name, identity.secIdentity, isTrusted(identity)};
+    SigningIdentity identity{IdentityFile::commonName(certificate.get()).value_or(unknownName()), {path}};
+    identity.isTrusted = isTrusted(identity);
+    return identity;
 }
 
 std::optional<QByteArray> SigningServices::encodeSignedMessage(const QByteArray& data,
