@@ -1,0 +1,54 @@
+#pragma once
+
+#include "documents/SignedMessage.h"
+#include "documents/SigningIdentity.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace quorlin {
+
+class PassphraseProvider;
+
+// The user's signing identities and CMS signed messages. Identities live as
+// PEM files in "<data folder>/identities"; roots the user trusts beyond the
+// system's store live in "<data folder>/anchors". Nothing is cached: every
+// call reads the folders afresh. Failures give nothing; nothing throws.
+class SigningServices {
+public:
+    // The application's data folder by default; tests give their own.
+    explicit SigningServices(PassphraseProvider* passphrases = nullptr, QString dataFolder = {});
+
+    QString identitiesFolder() const;
+    QString anchorsFolder() const;
+
+    // In file-name order. Nothing when the folder can't be read.
+    std::optional<QList<SigningIdentity>> listIdentities() const;
+    bool hasIdentity(const QString& name) const;
+    // The first with that exact name, in listing order.
+    std::optional<SigningIdentity> identityNamed(const QString& name) const;
+    bool isTrusted(const SigningIdentity& identity) const;
+
+    // Stores the identity of a PKCS#12 file with its key encrypted under the
+    // new passphrase. Nothing on a wrong password or an unreadable file.
+    std::optional<SigningIdentity> importPKCS12(const QString& file, const QString& password,
+                                                const QString& newPassphrase) const;
+
+    // CMS signed-data, content embedded, the chain up to the root, SHA-256.
+    std::optional<QByteArray> encodeSignedMessage(const QByteArray& data,
+                                                  const SigningIdentity& identity) const;
+    // DER or PEM. A broken signature or an untrusted signer still gives the
+    // content; the verdicts are in SignedMessage::signers.
+    std::optional<SignedMessage> decodeSignedMessage(const QByteArray& data) const;
+
+    static QString unknownName();
+
+private:
+    PassphraseProvider* m_passphrases;
+    QString m_dataFolder;
+};
+
+} // namespace quorlin
