@@ -161,13 +161,15 @@ std::optional<QString> realError(const PFMKeyPrototype& prototype, const plist::
 }
 
 // A pattern must match exactly once: a second match means the string holds
-// more than the one thing the field asks for.
-bool matchesFormatOnce(const QString& format, const QString& string) {
+// more than the one thing the field asks for. The search covers as many
+// UTF-16 units as the string has characters, as the manifests' own tools
+// do, so that a field judged valid there is judged valid here.
+bool matchesFormatOnce(const QString& format, const QString& string, qsizetype characters) {
     const QRegularExpression expression(format);
     if (!expression.isValid())
         return true;
     int matches = 0;
-    auto iterator = expression.globalMatch(string);
+    auto iterator = expression.globalMatch(string.left(characters));
     while (iterator.hasNext() && matches < 2) {
         iterator.next();
         ++matches;
@@ -179,9 +181,9 @@ std::optional<QString> stringError(const PFMKeyPrototype& prototype, const plist
     const auto string = value.toString();
     if (!string)
         return std::nullopt;
-    if (prototype.format() && !matchesFormatOnce(*prototype.format(), *string))
-        return text::incorrectFormat;
     const qsizetype length = graphemeCount(*string);
+    if (prototype.format() && !matchesFormatOnce(*prototype.format(), *string, length))
+        return text::incorrectFormat;
     if (prototype.rangeMin() && length < *prototype.rangeMin())
         return text::stringLengthBelowMinimum.arg(length).arg(*prototype.rangeMin());
     if (prototype.rangeMax() && length > *prototype.rangeMax())

@@ -56,6 +56,12 @@ TEST_F(TargetErrorsTest, NoTargetsNoErrors) {
     EXPECT_TRUE(errorsFor({{"macOS", os("13.0", "14.0", "15.0")}}).isEmpty());
 }
 
+TEST_F(TargetErrorsTest, AKeyThatSaysNothingOfItsPlatformsPassesEveryTarget) {
+    for (const Model model : PFMSupportedPlatforms::allModels)
+        target(model, "1.0", "99.0");
+    EXPECT_TRUE(errorsFor({}).isEmpty());
+}
+
 TEST_F(TargetErrorsTest, IntroductionAfterTheTargets) {
     target(Model::macOS);
     EXPECT_EQ(errorsFor({{"macOS", os("10.12")}}),

@@ -92,6 +92,10 @@ TEST(ValueErrorsTest, StringFormatMustMatchExactlyOnce) {
     EXPECT_EQ(errorFor("string", digits, "12-34"), incorrect); // two matches
     EXPECT_EQ(errorFor("string", {{"pfm_format", "^[a-z]+\\.[a-z]+$"}}, "example.com"), "");
     EXPECT_EQ(errorFor("string", {{"pfm_format", "^[a-z]+\\.[a-z]+$"}}, "example"), incorrect);
+    // The search spans as many UTF-16 units as the string has characters, so
+    // a combining accent hides the string's last unit from the pattern.
+    EXPECT_EQ(errorFor("string", {{"pfm_format", "x$"}}, QString::fromUtf8("e\xCC\x81x")), incorrect);
+    EXPECT_EQ(errorFor("string", {{"pfm_format", "x$"}}, "ex"), "");
     // A pattern that doesn't compile is skipped, and the later tests still run.
     EXPECT_EQ(errorFor("string", {{"pfm_format", "([a-z"}, {rangeMax, 2}}, "abc"),
               "The string has 3 character(s), which is larger than the maximum of 2.");
