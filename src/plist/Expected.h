@@ -21,9 +21,11 @@ Unexpected<std::decay_t<E>> fail(E&& error) {
 template <typename T, typename E>
 class Expected {
 public:
-    Expected(T value) : m_state(std::in_place_index<0>, std::move(value)) {}
+    Expected(T value)
+        : m_state(std::in_place_index<0>, std::move(value)) {}
     template <typename F>
-    Expected(Unexpected<F> failure) : m_state(std::in_place_index<1>, std::move(failure.error)) {}
+    Expected(Unexpected<F> failure)
+        : m_state(std::in_place_index<1>, std::move(failure.error)) {}
 
     bool hasValue() const { return m_state.index() == 0; }
     explicit operator bool() const { return hasValue(); }

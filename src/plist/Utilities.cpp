@@ -70,8 +70,8 @@ QString Utilities::joinedTermSeries(const QStringList& terms, bool useOr) {
     case 2:
         return terms[0] + u' ' + connector + u' ' + terms[1];
     default:
-        return terms.first(terms.size() - 1).join(QStringLiteral(", ")) + QStringLiteral(", ") + connector + u' ' +
-               terms.last();
+        return terms.first(terms.size() - 1).join(QStringLiteral(", ")) + QStringLiteral(", ") + connector +
+               u' ' + terms.last();
     }
 }
 
@@ -85,8 +85,7 @@ QString Utilities::uniqueFilePath(const QString& folder, const QString& baseName
 }
 
 QString Utilities::relativePath(const QString& from, const QString& to) {
-    const QStringList fromParts =
-        QFileInfo(QDir::cleanPath(from)).path().split(u'/', Qt::SkipEmptyParts);
+    const QStringList fromParts = QFileInfo(QDir::cleanPath(from)).path().split(u'/', Qt::SkipEmptyParts);
     const QStringList toParts = QDir::cleanPath(to).split(u'/', Qt::SkipEmptyParts);
     qsizetype common = 0;
     while (common < fromParts.size() && common < toParts.size() && fromParts[common] == toParts[common])

@@ -20,7 +20,8 @@ public:
 
     static Expected<plist::Dictionary, GetDictionaryFromPlistBytesErrors>
     getDictionaryFromPlistBytes(const QByteArray& bytes);
-    static Expected<plist::Array, GetArrayFromPlistBytesErrors> getArrayFromPlistBytes(const QByteArray& bytes);
+    static Expected<plist::Array, GetArrayFromPlistBytesErrors>
+    getArrayFromPlistBytes(const QByteArray& bytes);
 
     // -1 when a is older than b, 1 when newer, 0 when equal. Parts that are
     // not decimal numbers are left out and the shorter list is padded with

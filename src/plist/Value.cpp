@@ -2,7 +2,6 @@
 
 #include "plist/ParseError.h"
 
-
 #include <cmath>
 #include <limits>
 
@@ -38,9 +37,11 @@ QString ParseError::toString() const {
     return reason;
 }
 
-Value::Value(Array array) : m_storage(std::make_shared<Array>(std::move(array))) {}
+Value::Value(Array array)
+    : m_storage(std::make_shared<Array>(std::move(array))) {}
 
-Value::Value(Dictionary dictionary) : m_storage(std::make_shared<Dictionary>(std::move(dictionary))) {}
+Value::Value(Dictionary dictionary)
+    : m_storage(std::make_shared<Dictionary>(std::move(dictionary))) {}
 
 Value Value::fromUnsigned(quint64 integer) {
     Value value;

@@ -46,16 +46,24 @@ public:
     Value() = default;
     // Only a real bool makes a boolean: a pointer or an int must not slip in.
     template <typename B>
-        requires std::same_as<B, bool>
-    Value(B boolean) : m_storage(boolean) {}
-    Value(int integer) : m_storage(IntegerStorage{qint64(integer), false}) {}
-    Value(qint64 integer) : m_storage(IntegerStorage{integer, false}) {}
-    Value(double real) : m_storage(real) {}
-    Value(const QString& string) : m_storage(string) {}
-    Value(const char* utf8) : m_storage(QString::fromUtf8(utf8)) {}
-    Value(const QByteArray& data) : m_storage(data) {}
-    Value(Date date) : m_storage(date) {}
-    Value(Uid uid) : m_storage(uid) {}
+    requires std::same_as<B, bool> Value(B boolean)
+        : m_storage(boolean) {}
+    Value(int integer)
+        : m_storage(IntegerStorage{qint64(integer), false}) {}
+    Value(qint64 integer)
+        : m_storage(IntegerStorage{integer, false}) {}
+    Value(double real)
+        : m_storage(real) {}
+    Value(const QString& string)
+        : m_storage(string) {}
+    Value(const char* utf8)
+        : m_storage(QString::fromUtf8(utf8)) {}
+    Value(const QByteArray& data)
+        : m_storage(data) {}
+    Value(Date date)
+        : m_storage(date) {}
+    Value(Uid uid)
+        : m_storage(uid) {}
     Value(Array array);
     Value(Dictionary dictionary);
 
@@ -78,7 +86,7 @@ public:
 
     // Strict access: nothing unless the value is of exactly that class.
     std::optional<bool> toBoolean() const;
-    std::optional<qint64> toInteger() const; // nothing for an unsigned value above INT64_MAX
+    std::optional<qint64> toInteger() const;   // nothing for an unsigned value above INT64_MAX
     std::optional<quint64> toUnsigned() const; // nothing for a negative integer
     std::optional<double> toReal() const;
     std::optional<QString> toString() const;

@@ -40,7 +40,8 @@ TEST_F(CommandLineToolTest, EachCommandHasItsOwnHelp) {
     EXPECT_TRUE(lint.output.startsWith("Usage: quorlin-profile plist lint FILE...\n"));
     const ToolRun convert = m_tool.run({"plist", "convert", "some.plist", "-h"});
     EXPECT_EQ(convert.exitCode, 0);
-    EXPECT_TRUE(convert.output.startsWith("Usage: quorlin-profile plist convert -f xml1|binary1 FILE [-o OUT]\n"));
+    EXPECT_TRUE(
+        convert.output.startsWith("Usage: quorlin-profile plist convert -f xml1|binary1 FILE [-o OUT]\n"));
 }
 
 TEST_F(CommandLineToolTest, WhatIsNoCommandIsAUsageError) {
@@ -48,11 +49,12 @@ TEST_F(CommandLineToolTest, WhatIsNoCommandIsAUsageError) {
         QStringList arguments;
         const char* message;
     };
-    for (const Case& c : {Case{{}, "Usage: quorlin-profile COMMAND"},
-                          Case{{"frobnicate"}, "quorlin-profile: unknown command 'frobnicate'\n"},
-                          Case{{"--frobnicate"}, "quorlin-profile: unknown option '--frobnicate'\n"},
-                          Case{{"plist"}, "quorlin-profile: 'plist' needs a command: plist convert, plist lint\n"},
-                          Case{{"plist", "check"}, "quorlin-profile: unknown command 'plist check'"}}) {
+    for (const Case& c :
+         {Case{{}, "Usage: quorlin-profile COMMAND"},
+          Case{{"frobnicate"}, "quorlin-profile: unknown command 'frobnicate'\n"},
+          Case{{"--frobnicate"}, "quorlin-profile: unknown option '--frobnicate'\n"},
+          Case{{"plist"}, "quorlin-profile: 'plist' needs a command: plist convert, plist lint\n"},
+          Case{{"plist", "check"}, "quorlin-profile: unknown command 'plist check'"}}) {
         SCOPED_TRACE(c.arguments.join(u' ').toStdString());
         const ToolRun run = m_tool.run(c.arguments);
         EXPECT_EQ(run.exitCode, 2);

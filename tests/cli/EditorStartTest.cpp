@@ -16,7 +16,8 @@ protected:
     void SetUp() override { ASSERT_TRUE(m_editor.isValid()); }
 
     QString settingsFile() const {
-        return m_editor.configFolder() + QStringLiteral("/quorlin-profile-editor/com.quorlin.ProfileEditor.plist");
+        return m_editor.configFolder() +
+               QStringLiteral("/quorlin-profile-editor/com.quorlin.ProfileEditor.plist");
     }
 
     ToolProcess m_editor{QStringLiteral("quorlin-profile-editor")};
@@ -50,5 +51,6 @@ TEST_F(EditorStartTest, AFirstStartSavesOnlyTheVersionInTheSettingsFolderItWasGi
     const auto read = plist::PlistReader::read(test::readFile(settingsFile()));
     ASSERT_TRUE(read) << read.error().toString().toStdString();
     EXPECT_EQ(read->format, plist::Format::Xml);
-    EXPECT_EQ(read->root, plist::Value(plist::Dictionary{{"lastLaunchedBundleShortVersionString", QUORLIN_VERSION}}));
+    EXPECT_EQ(read->root,
+              plist::Value(plist::Dictionary{{"lastLaunchedBundleShortVersionString", QUORLIN_VERSION}}));
 }

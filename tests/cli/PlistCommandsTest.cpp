@@ -35,7 +35,8 @@ const QByteArray kXml = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 // The same dictionary in binary form, as another implementation writes it.
 const QByteArray kBinary = QByteArray::fromHex(
-    "62706c6973743030d4010203040506070a55636f756e7457656e61626c6564546c697374546e616d65102a09a20809516110015751756f"
+    "62706c6973743030d4010203040506070a55636f756e7457656e61626c6564546c697374546e616d65102a09a208095161100157"
+    "51756f"
     "726c696e0811171f24292b2c2f31330000000000000101000000000000000b0000000000000000000000000000003b");
 
 const plist::Value kExpected =
@@ -91,9 +92,11 @@ TEST_F(PlistCommandsTest, LintNamesEachBadFileWithTheReasonAndWhere) {
     EXPECT_EQ(run.output, "good.plist: OK\n");
     const QStringList lines = QString::fromUtf8(run.error).split(u'\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 2) << run.error.toStdString();
-    EXPECT_TRUE(QRegularExpression(QStringLiteral(R"(^bad\.plist: .+ \(line \d+\)$)")).match(lines[0]).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(QStringLiteral(R"(^bad\.plist: .+ \(line \d+\)$)")).match(lines[0]).hasMatch())
         << lines[0].toStdString();
-    EXPECT_TRUE(QRegularExpression(QStringLiteral(R"(^bad\.bplist: .+ \(byte \d+\)$)")).match(lines[1]).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(QStringLiteral(R"(^bad\.bplist: .+ \(byte \d+\)$)")).match(lines[1]).hasMatch())
         << lines[1].toStdString();
 }
 
@@ -101,7 +104,8 @@ TEST_F(PlistCommandsTest, LintReportsAFileThatCannotBeOpenedAsAnInputError) {
     const ToolRun run = m_tool.run({"plist", "lint", "missing.plist", "."});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.output.isEmpty());
-    EXPECT_EQ(run.error, "missing.plist: cannot open: No such file or directory\n.: cannot open: is a directory\n");
+    EXPECT_EQ(run.error,
+              "missing.plist: cannot open: No such file or directory\n.: cannot open: is a directory\n");
 
     const ToolRun none = m_tool.run({"plist", "lint"});
     EXPECT_EQ(none.exitCode, 2);
@@ -183,7 +187,8 @@ TEST_F(PlistCommandsTest, ConvertLeavesFilesAsTheyWereWhenItFails) {
 
 TEST_F(PlistCommandsTest, ConvertReportsAnOutputThatCannotBeWritten) {
     write("p.plist", kXml);
-    const ToolRun run = m_tool.run({"plist", "convert", "-f", "binary1", "p.plist", "-o", "no/such/folder/out.plist"});
+    const ToolRun run =
+        m_tool.run({"plist", "convert", "-f", "binary1", "p.plist", "-o", "no/such/folder/out.plist"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.error.startsWith("no/such/folder/out.plist: cannot write: ")) << run.error.toStdString();
 }
