@@ -6,6 +6,7 @@
 
 #include <openssl/err.h>
 #include <openssl/pem.h>
+#include <openssl/provider.h>
 
 #include <QDir>
 #include <QFile>
@@ -185,6 +186,22 @@ bool SigningServices::isTrusted(const SigningIdentity& identity) const {
     return trust.isTrusted(sk_X509_value(certificates->get(), 0), certificates->get());
 }
 
+namespace {
+
+// Archives exported by older keychains and many CAs encrypt with RC2 or
+// 3DES, which OpenSSL 3 keeps in its legacy provider. Loading a provider by
+// name turns off the implicit default one, so both are loaded, once.
+// The handles are kept for the life of the process: the providers stay loaded.
+void loadLegacyArchiveCiphers() {
+    static OSSL_PROVIDER* const legacy = OSSL_PROVIDER_load(nullptr, "legacy");
+    static OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
+    (void)legacy;
+    (void)standard;
+    ERR_clear_error();
+}
+
+} // namespace
+
 std::optional<SigningIdentity> SigningServices::importPKCS12(const QString& file, const QString& password,
                                                              const QString& newPassphrase) const {
     // An empty passphrase would leave OpenSSL to prompt, and the key unprotected.
@@ -193,6 +210,7 @@ std::optional<SigningIdentity> SigningServices::importPKCS12(const QString& file
     const std::optional<QByteArray> contents = readAll(file);
     if (!contents)
         return std::nullopt;
+    loadLegacyArchiveCiphers();
     openssl::Bio in = openssl::memoryReader(*contents);
     openssl::Pkcs12 archive(d2i_PKCS12_bio(in.get(), nullptr));
     EVP_PKEY* rawKey = nullptr;

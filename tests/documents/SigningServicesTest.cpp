@@ -56,6 +56,19 @@ TEST_F(IdentityStoreTest, ImportRefusesAWrongPasswordOrAFileThatIsNoArchive) {
     EXPECT_EQ(services.listIdentities(), QList<SigningIdentity>{});
 }
 
+TEST_F(IdentityStoreTest, ImportReadsArchivesEncryptedWithLegacyCiphers) {
+    const QString certificate = writeFile(QStringLiteral("leaf.pem"), TestPki::pem(leaf.certificate.get()));
+    const QString key = writeFile(QStringLiteral("leaf.key"), TestPki::unencryptedKeyPem(leaf.key.get()));
+    const QString p12 = path(QStringLiteral("legacy.p12"));
+    const ProcessResult made = runOpenSsl({"pkcs12", "-export", "-legacy", "-in", certificate, "-inkey", key,
+                                           "-passout", "pass:" + p12Password, "-out", p12});
+    ASSERT_EQ(made.exitCode, 0) << made.output.toStdString();
+
+    const std::optional<SigningIdentity> identity = services.importPKCS12(p12, p12Password, storePassphrase);
+    ASSERT_TRUE(identity);
+    EXPECT_EQ(identity->name, signerName);
+}
+
 TEST_F(IdentityStoreTest, ListingReadsNamesWithoutAskingForAPassphrase) {
     const std::optional<SigningIdentity> named = importIdentity(leaf);
     const std::optional<SigningIdentity> nameless = importIdentity(namelessLeaf);
