@@ -3,7 +3,6 @@
 #include "plist/Utilities.h"
 #include "schema/SupportedPlatforms.h"
 #include "validation/ByteCountFormatter.h"
-#include "validation/TermSeries.h"
 
 #include <QRegularExpression>
 #include <QTextBoundaryFinder>
@@ -65,8 +64,6 @@ const QString targetOfVersion = QStringLiteral("%1 of %2");
 const QString aheadOf = QStringLiteral("ahead of ");
 const QString noSupportOn = QStringLiteral("is not supported on %1");
 const QString thePreference = QStringLiteral("The preference %1.");
-const QString orConnector = QStringLiteral("or");
-const QString andConnector = QStringLiteral("and");
 const QString supervisionRequired = QStringLiteral("This preference key requires devices to be supervised.");
 } // namespace text
 
@@ -410,11 +407,11 @@ QStringList FieldValidator::settingsErrors(const ValidationSettings& settings, c
             fragments.append(targetFragments(model, settings, key));
     }
     if (!unsupported.isEmpty())
-        fragments.append(text::noSupportOn.arg(TermSeries::joined(unsupported, text::orConnector)));
+        fragments.append(text::noSupportOn.arg(Utilities::joinedTermSeries(unsupported, true)));
 
     QStringList errors;
     if (!fragments.isEmpty())
-        errors.append(text::thePreference.arg(TermSeries::joined(fragments, text::andConnector)));
+        errors.append(text::thePreference.arg(Utilities::joinedTermSeries(fragments, false)));
     if (settings.supervisionInvalidates() && key.prototype().requiresSupervision())
         errors.append(text::supervisionRequired);
     return errors;
