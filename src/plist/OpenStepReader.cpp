@@ -1,5 +1,7 @@
 #include "plist/OpenStepReader.h"
 
+#include "plist/HexDigit.h"
+
 #include <QStringDecoder>
 
 #include <array>
@@ -30,16 +32,6 @@ char16_t fromNextStep(uchar byte) {
 bool isUnquotedCharacter(char16_t c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
            c == '$' || c == '+' || c == '/' || c == ':' || c == '.' || c == '-';
-}
-
-int hexValue(char16_t c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
 }
 
 bool isOctalDigit(char16_t c) {
@@ -230,8 +222,9 @@ private:
                 ++m_position;
                 continue;
             }
-            const int high = hexValue(c);
-            const int low = m_position + 1 < m_text.size() ? hexValue(m_text[m_position + 1].unicode()) : -1;
+            const int high = hexDigitValue(c);
+            const int low =
+                m_position + 1 < m_text.size() ? hexDigitValue(m_text[m_position + 1].unicode()) : -1;
             if (high < 0 || low < 0)
                 return failHere(QStringLiteral("data holds something other than pairs of hex digits"));
             data.append(char(high << 4 | low));
@@ -313,8 +306,8 @@ private:
     // Up to four hex digits naming one UTF-16 unit; surrogate pairs take two escapes.
     char16_t parseUnicodeEscape() {
         unsigned value = 0;
-        for (int digits = 0; digits < 4 && !atEnd() && hexValue(current()) >= 0; ++digits, ++m_position)
-            value = value * 16 + unsigned(hexValue(current()));
+        for (int digits = 0; digits < 4 && !atEnd() && hexDigitValue(current()) >= 0; ++digits, ++m_position)
+            value = value * 16 + unsigned(hexDigitValue(current()));
         return char16_t(value);
     }
 

@@ -1,5 +1,7 @@
 #include "plist/XmlScalars.h"
 
+#include "plist/HexDigit.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -72,16 +74,6 @@ bool readTwoDigits(std::string_view text, size_t& pos, int& value, char separato
         return false;
     ++pos;
     return true;
-}
-
-int hexDigitValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
 }
 
 constexpr char base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
