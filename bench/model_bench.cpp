@@ -9,6 +9,8 @@
 #include "plist/PlistReader.h"
 #include "schema/PFMDomain.h"
 
+#include "ManifestFolder.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -26,29 +28,7 @@ namespace {
 const QString fixtureFolder = QStringLiteral(QUORLIN_MODEL_FIXTURES);
 const QString bundledFolder = QStringLiteral(QUORLIN_BUNDLED_MANIFESTS);
 
-std::shared_ptr<const PFMDomain> readDomain(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return nullptr;
-    const auto read = plist::PlistReader::read(file.readAll());
-    if (!read || !read->root.dictionary())
-        return nullptr;
-    return PFMDomain::make(*read->root.dictionary());
-}
-
-Profile::DomainList readDomains(const QString& folder) {
-    Profile::DomainList domains;
-    QStringList paths;
-    QDirIterator files(folder, {QStringLiteral("*.plist")}, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext())
-        paths.append(files.next());
-    paths.sort();
-    for (const QString& path : paths) {
-        if (auto domain = readDomain(path))
-            domains.append(std::move(domain));
-    }
-    return domains;
-}
+using bench::readDomains;
 
 bool hasRoot(const Profile::DomainList& domains) {
     return std::any_of(domains.begin(), domains.end(),

@@ -12,6 +12,8 @@
 #include "validation/ProfileValidation.h"
 #include "validation/ValidationSettings.h"
 
+#include "ManifestFolder.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -31,29 +33,7 @@ using Kind = PFMKeyPrototype::Kind;
 
 const QString bundledFolder = QStringLiteral(QUORLIN_BUNDLED_MANIFESTS);
 
-std::shared_ptr<const PFMDomain> readDomain(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return nullptr;
-    const auto read = plist::PlistReader::read(file.readAll());
-    if (!read || !read->root.dictionary())
-        return nullptr;
-    return PFMDomain::make(*read->root.dictionary());
-}
-
-Profile::DomainList readDomains(const QString& folder) {
-    Profile::DomainList domains;
-    QStringList paths;
-    QDirIterator files(folder, {QStringLiteral("*.plist")}, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext())
-        paths.append(files.next());
-    paths.sort();
-    for (const QString& path : paths) {
-        if (auto domain = readDomain(path))
-            domains.append(std::move(domain));
-    }
-    return domains;
-}
+using bench::readDomains;
 
 bool isRoot(const std::shared_ptr<const PFMDomain>& domain) {
     return domain->domainString().isEmpty();
