@@ -45,7 +45,12 @@ protected:
             keyTree("Size", "integer",
                     {{"pfm_range_list", plist::Array{1, 2}},
                      {"pfm_quorlin_pretty_range_list", plist::Dictionary{{"1", "Small"}}}}),
-            keyTree("Pick", "string", {{"pfm_quorlin_suggestions", plist::Array{"x", "y"}}})});
+            keyTree("Pick", "string", {{"pfm_quorlin_suggestions", plist::Array{"x", "y"}}}),
+            keyTree(
+                "Hosts", "array",
+                requiredAlways({{"pfm_subkeys", plist::Array{itemTree("string")}},
+                                {"pfm_quorlin_control_type", "string"},
+                                {"pfm_quorlin_type_adapter", "strings-array-to-comma-delimited-string"}}))});
     }
     template <typename Instrument>
     std::unique_ptr<Instrument> attached(const QString& key, bool inTable) {
@@ -176,6 +181,19 @@ TEST_F(ScalarInstrumentsTest, APopUpHasAnEmptyEntryUnlessARequiredCellForbidsIt)
     EXPECT_EQ(control.content, (plist::Array{"Small", "2"}));
     numbers->valueBinding()->controlValueDidChange(plist::Value("Small"));
     EXPECT_EQ(payload->keyAtPath("Size")->writeOutValue(), plist::Value(1));
+}
+
+// A required comma list is never unset, so its cell has no "[Required]" hint.
+TEST_F(ScalarInstrumentsTest, ACommaListIsEditedAsOneLine) {
+    const auto cell = attached<StringInstrumentController>("Hosts", true);
+    EXPECT_FALSE(cell->requiredPlaceholder());
+    EXPECT_FALSE(control.placeholder);
+    cell->valueBinding()->controlValueDidChange(plist::Value("a.example.com, b.example.com"), false);
+    EXPECT_EQ(payload->keyAtPath("Hosts")->writeOutValue(),
+              plist::Value(plist::Array{"a.example.com", "b.example.com"}));
+    cell->valueBinding()->controlValueDidChange(plist::Value(" "), false);
+    EXPECT_EQ(payload->keyAtPath("Hosts")->writeOutValue(), plist::Value(plist::Array()));
+    EXPECT_EQ(writer->identities, (QStringList{"Hosts", "Hosts"}));
 }
 
 TEST_F(ScalarInstrumentsTest, AComboBoxListsTheSuggestions) {
