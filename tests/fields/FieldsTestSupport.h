@@ -1,0 +1,54 @@
+#pragma once
+
+#include "fields/ControlSide.h"
+#include "fields/KeyValueWriter.h"
+#include "validation/ValidationTestSupport.h"
+
+#include <QStringList>
+
+#include <optional>
+
+namespace quorlin::test {
+
+// A control that remembers what the binding last showed it.
+class RecordingControl : public ControlSide {
+public:
+    void showValue(const plist::Value& value) override {
+        shown = value;
+        ++showCount;
+    }
+    void showNullPlaceholder(const std::optional<plist::Value>& placeholder) override {
+        this->placeholder = placeholder;
+    }
+    void showContent(const plist::Array& items, bool insertsEmptyEntry) override {
+        content = items;
+        emptyEntry = insertsEmptyEntry;
+    }
+    void showEnabled(bool enabled) override { this->enabled = enabled; }
+
+    plist::Value shown;
+    int showCount = 0;
+    std::optional<plist::Value> placeholder;
+    plist::Array content;
+    bool emptyEntry = false;
+    bool enabled = false;
+};
+
+// Applies each write and keeps its identity, as an undo stack would see it.
+class RecordingWriter : public KeyValueWriter {
+public:
+    void writeValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
+                    const QString& editIdentity) override {
+        identities.append(editIdentity);
+        key->setValue(value);
+    }
+    QStringList identities;
+};
+
+inline QString placeholderText(const std::optional<plist::Value>& placeholder) {
+    if (!placeholder)
+        return QStringLiteral("<none>");
+    return placeholder->toString().value_or(QStringLiteral("<not text>"));
+}
+
+} // namespace quorlin::test
