@@ -1,5 +1,6 @@
 #include "documents/ProfileDocument.h"
 
+#include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
@@ -59,8 +60,10 @@ class ProfileDocument::ProfileChangeCounter : public ProfileDelegate {
 public:
     explicit ProfileChangeCounter(ProfileDocument& document)
         : m_document(document) {}
-    void profileDidChange(Profile&, Payload*, PreferenceKey*) override {
+    void profileDidChange(Profile&, Payload*, PreferenceKey* key) override {
         m_document.updateChangeCount(ChangeKind::done);
+        if (!key)
+            m_document.reportAddedPayloads();
     }
     void profileRemovalPasswordPayloadCountDidChange(Profile&) override {}
 
@@ -103,6 +106,7 @@ Expected<bool, DocumentError> ProfileDocument::readFromData(const QByteArray& da
     if (m_profile->loadedSignedButCannotBeSignedWithLoadedIdentity())
         m_filePath.reset();
     m_shouldBeValueValidatedOnLaunch = !isNewProfileTemplate(*m_profile);
+    reportPayloads(m_profile->configurationPayloads(), DocumentEventReporter::payloadLoaded);
     return true;
 }
 
@@ -172,7 +176,32 @@ bool ProfileDocument::makeWindowControllers() {
         m_shouldBeValueValidatedOnLaunch = false;
     }
     m_observesSigningName = true;
+    m_knownPayloads = m_profile->configurationPayloads();
     return true;
+}
+
+void ProfileDocument::reportPayloads(const QList<Payload::Pointer>& payloads,
+                                     const QString& eventName) const {
+    if (!m_eventReporter)
+        return;
+    QStringList domains;
+    for (const auto& payload : payloads)
+        domains.append(payload->domainPrototype().domainString());
+    m_eventReporter->report(domains, eventName);
+}
+
+// Only once the window watches the profile; removals report nothing.
+void ProfileDocument::reportAddedPayloads() {
+    if (!m_knownPayloads || !m_profile)
+        return;
+    QList<Payload::Pointer> added;
+    for (const auto& payload : m_profile->configurationPayloads()) {
+        if (!m_knownPayloads->contains(payload))
+            added.append(payload);
+    }
+    m_knownPayloads = m_profile->configurationPayloads();
+    if (!added.isEmpty())
+        reportPayloads(added, DocumentEventReporter::payloadAdded);
 }
 
 void ProfileDocument::presentOpeningNotices() {
@@ -319,8 +348,10 @@ Expected<bool, DocumentError> ProfileDocument::writeToFile(const QString& filePa
     const auto written = m_writer.write(filePath, *bytes);
     if (!written)
         return fail(written.error());
-    if (updatesDefaults(operation))
+    if (updatesDefaults(operation)) {
         updateDefaultsAfterSave();
+        reportPayloads(m_profile->configurationPayloads(), DocumentEventReporter::payloadSaved);
+    }
     return true;
 }
 

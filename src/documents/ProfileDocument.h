@@ -18,6 +18,7 @@
 
 namespace quorlin {
 
+class DocumentEventReporter;
 class DocumentNoticePresenter;
 class UserDefaults;
 
@@ -79,6 +80,7 @@ public:
     bool makeWindowControllers();
     void setNoticePresenter(DocumentNoticePresenter* presenter) { m_noticePresenter = presenter; }
     void setSavePanelPresenter(SavePanelPresenter* presenter) { m_savePanelPresenter = presenter; }
+    void setEventReporter(DocumentEventReporter* reporter) { m_eventReporter = reporter; }
     // The notices of an opened file, once the window is set up.
     void presentOpeningNotices();
     // Notices raised while the window is hidden wait for this, oldest first.
@@ -112,6 +114,8 @@ private:
     void takeSigningChoice(const std::optional<QString>& name);
     void updateDefaultsAfterSave();
     void countSigningNameChange(const std::optional<QString>& before);
+    void reportPayloads(const QList<Payload::Pointer>& payloads, const QString& eventName) const;
+    void reportAddedPayloads();
 
     Profile::DomainList m_domains;
     std::shared_ptr<const ProfileEnvironment> m_environment;
@@ -129,6 +133,9 @@ private:
     int m_changeCount = 0;
     DocumentNoticePresenter* m_noticePresenter = nullptr;
     SavePanelPresenter* m_savePanelPresenter = nullptr;
+    DocumentEventReporter* m_eventReporter = nullptr;
+    // The payloads as last seen by the window, to tell which are added.
+    std::optional<QList<Payload::Pointer>> m_knownPayloads;
     bool m_isWindowVisible = false;
     QList<QueuedNotice> m_queuedNotices;
     AtomicFileWriter m_writer;

@@ -2,6 +2,7 @@
 
 #include "SigningFixture.h"
 
+#include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
 #include "documents/ProfileDocument.h"
 #include "documents/ProfileSigningBridge.h"
@@ -51,6 +52,14 @@ public:
     QList<SavePanelRequest> requests;
 };
 
+class RecordingEventReporter : public DocumentEventReporter {
+public:
+    void report(const QStringList& domains, const QString& eventName) override {
+        events.append(eventName + QStringLiteral(": ") + domains.join(QLatin1Char(' ')));
+    }
+    QStringList events;
+};
+
 // Documents over the model's fixture domains, with the identity store and
 // the user defaults of a temporary folder.
 class DocumentFixture : public SigningFixture {
@@ -65,6 +74,7 @@ protected:
         auto document = std::make_unique<ProfileDocument>(fixtureDomains(), environment, defaults);
         document->setNoticePresenter(&notices);
         document->setSavePanelPresenter(&panel);
+        document->setEventReporter(&events);
         return document;
     }
 
@@ -124,6 +134,7 @@ protected:
     UserDefaults defaults{folder.filePath(QStringLiteral("defaults.plist"))};
     RecordingNoticePresenter notices;
     ScriptedSavePanel panel;
+    RecordingEventReporter events;
 };
 
 } // namespace quorlin::test

@@ -258,6 +258,27 @@ TEST_F(ProfileDocumentSaveTest, SaveBrokenOffBeforeCommitKeepsTheOldFileAndTheEd
     EXPECT_NE(readFile(path(QStringLiteral("signed.mobileconfig"))), original);
 }
 
+TEST_F(ProfileDocumentSaveTest, PayloadsAreReportedWhenLoadedAddedAndSaved) {
+    auto document = openDocument(simpleProfile(), QStringLiteral("events.mobileconfig"));
+    EXPECT_EQ(events.events, QStringList{"Payload loaded: com.example.everything"});
+    const auto removalPassword =
+        document->profile()->domainForType(QStringLiteral("com.apple.profileRemovalPassword"));
+    const auto everything = document->profile()->domainForType(QStringLiteral("com.example.everything"));
+
+    // Before the window watches, an added payload isn't reported.
+    document->profile()->addPayload(everything);
+    ASSERT_TRUE(document->makeWindowControllers());
+    document->profile()->addPayload(removalPassword);
+    document->profile()->removePayload(document->profile()->configurationPayloads().first());
+    ASSERT_TRUE(
+        document->writeToFile(path(QStringLiteral("auto.mobileconfig")), SaveOperation::autosaveElsewhere));
+    ASSERT_TRUE(document->save(SaveOperation::save));
+    EXPECT_EQ(events.events,
+              (QStringList{"Payload loaded: com.example.everything",
+                           "Payload added: com.apple.profileRemovalPassword",
+                           "Payload saved: com.example.everything com.apple.profileRemovalPassword"}));
+}
+
 TEST_F(ProfileDocumentSaveTest, CancelledPanelSavesNothing) {
     auto document = newDocument();
     const auto cancelled = document->save(SaveOperation::save);
