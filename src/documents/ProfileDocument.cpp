@@ -237,23 +237,23 @@ void ProfileDocument::raiseNotice(const DocumentNotice& notice, std::function<vo
 
 void ProfileDocument::showNotice(const DocumentNotice& notice, const std::function<void(int tag)>& onReply) {
     const std::weak_ptr<ProfileDocument*> alive = m_lifetime;
-    m_noticePresenter->present(notice,
-                               [this, alive, key = notice.suppressionKey, onReply](const NoticeReply& reply) {
-                                   if (alive.expired())
-                                       return;
-                                   // The check box silences the notice whichever button was pressed.
-                                   if (reply.suppress)
-                                       m_defaults.set(key, plist::Value(true));
-                                   if (onReply)
-                                       onReply(reply.tag);
-                               });
+    auto handleReply = [this, alive, key = notice.suppressionKey, onReply](const NoticeReply& reply) {
+        if (alive.expired())
+            return;
+        // The check box silences the notice whichever button was pressed.
+        if (reply.suppress)
+            m_defaults.set(key, plist::Value(true));
+        if (onReply)
+            onReply(reply.tag);
+    };
+    m_noticePresenter->present(notice, std::move(handleReply));
 }
 
 void ProfileDocument::windowDidShow() {
     m_isWindowVisible = true;
     if (!m_noticePresenter)
         return;
-    // A notice shown now may queue another; that one waits for the next showing.
+    // Emptied first: a notice that a reply raises at once isn't run twice.
     const QList<QueuedNotice> queued = std::exchange(m_queuedNotices, {});
     for (const QueuedNotice& show : queued)
         show();
