@@ -176,7 +176,7 @@ bool ProfileDocument::makeWindowControllers() {
         m_shouldBeValueValidatedOnLaunch = false;
     }
     m_observesSigningName = true;
-    m_knownPayloads = m_profile->configurationPayloads();
+    rememberPayloads();
     return true;
 }
 
@@ -196,12 +196,21 @@ void ProfileDocument::reportAddedPayloads() {
         return;
     QList<Payload::Pointer> added;
     for (const auto& payload : m_profile->configurationPayloads()) {
-        if (!m_knownPayloads->contains(payload))
+        const bool known =
+            std::any_of(m_knownPayloads->begin(), m_knownPayloads->end(),
+                        [&](const std::weak_ptr<Payload>& seen) { return seen.lock() == payload; });
+        if (!known)
             added.append(payload);
     }
-    m_knownPayloads = m_profile->configurationPayloads();
+    rememberPayloads();
     if (!added.isEmpty())
         reportPayloads(added, DocumentEventReporter::payloadAdded);
+}
+
+void ProfileDocument::rememberPayloads() {
+    m_knownPayloads.emplace();
+    for (const auto& payload : m_profile->configurationPayloads())
+        m_knownPayloads->append(payload);
 }
 
 void ProfileDocument::presentOpeningNotices() {

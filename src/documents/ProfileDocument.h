@@ -89,10 +89,11 @@ public:
     int queuedNoticeCount() const { return int(m_queuedNotices.size()); }
 
     // Saving. The user's commands: a warning first when the window counts
-    // invalid values, then the save.
+    // invalid values (in the forms it has built), then the save.
     void saveDocument(int invalidValueCount, SaveCompletion completion);
     void saveDocumentAs(int invalidValueCount, SaveCompletion completion);
-    // A save with no warning; asks for a place when it needs one.
+    // A save, save-as or save-to with no warning; asks for a place when it
+    // needs one. Autosaves go through writeToFile.
     Expected<SaveResult, DocumentError> save(SaveOperation operation);
     // Writes the profile to a place already chosen.
     Expected<bool, DocumentError> writeToFile(const QString& filePath, SaveOperation operation);
@@ -116,6 +117,7 @@ private:
     void countSigningNameChange(const std::optional<QString>& before);
     void reportPayloads(const QList<Payload::Pointer>& payloads, const QString& eventName) const;
     void reportAddedPayloads();
+    void rememberPayloads();
 
     Profile::DomainList m_domains;
     std::shared_ptr<const ProfileEnvironment> m_environment;
@@ -134,8 +136,9 @@ private:
     DocumentNoticePresenter* m_noticePresenter = nullptr;
     SavePanelPresenter* m_savePanelPresenter = nullptr;
     DocumentEventReporter* m_eventReporter = nullptr;
-    // The payloads as last seen by the window, to tell which are added.
-    std::optional<QList<Payload::Pointer>> m_knownPayloads;
+    // The payloads as last seen by the window, to tell which are added. Weak:
+    // a removed payload must not live on, nor die, because of the document.
+    std::optional<QList<std::weak_ptr<Payload>>> m_knownPayloads;
     bool m_isWindowVisible = false;
     QList<QueuedNotice> m_queuedNotices;
     AtomicFileWriter m_writer;

@@ -269,7 +269,8 @@ TEST_F(ProfileDocumentSaveTest, PayloadsAreReportedWhenLoadedAddedAndSaved) {
     document->profile()->addPayload(everything);
     ASSERT_TRUE(document->makeWindowControllers());
     document->profile()->addPayload(removalPassword);
-    document->profile()->removePayload(document->profile()->configurationPayloads().first());
+    const Payload::Pointer first = document->profile()->configurationPayloads().first();
+    document->profile()->removePayload(first);
     ASSERT_TRUE(
         document->writeToFile(path(QStringLiteral("auto.mobileconfig")), SaveOperation::autosaveElsewhere));
     ASSERT_TRUE(document->save(SaveOperation::save));
