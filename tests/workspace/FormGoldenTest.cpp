@@ -69,7 +69,9 @@ public:
             return m_history.addPayload(*m_section, m_profile) == PFMSection::AddPayloadResult::added
                        ? QString()
                        : QStringLiteral("the section took no payload");
-        if (name == QStringLiteral("@search")) {
+        if (name == QStringLiteral("@populate")) {
+            m_history.populateDefaults(*m_section->sectionViewController()->payloadControllers().back());
+        } else if (name == QStringLiteral("@search")) {
             m_settings.highlightedTerm = parseScriptValue(argument).toString();
             m_section->setFieldDisplaySettings(m_settings);
         } else if (name == QStringLiteral("@platforms")) {
