@@ -122,7 +122,6 @@ private:
     Snapshot snapshot() const;
     void recomputeMatches();
     void makeArrayInstruments();
-    void writeValue(const PreferenceKeyValue& value);
 
     PreferenceKey::Pointer m_field;
     InstrumentFactory::Types m_instrumentType;

@@ -2,6 +2,7 @@
 
 #include "fields/ControlSide.h"
 #include "fields/InstrumentFactory.h"
+#include "fields/InstrumentLook.h"
 #include "fields/KeyValueWriter.h"
 #include "fields/ValueBinding.h"
 #include "model/PreferenceKey.h"
@@ -58,6 +59,8 @@ public:
     const QList<std::shared_ptr<ValueBinding>>& bindings() const { return m_bindings; }
     std::shared_ptr<ValueBinding> valueBinding() const;
 
+    const InstrumentLook& look() const { return m_look; }
+
     void requirementMayHaveChanged();
     // Told after the instrument changed anything a widget shows beside the bound value.
     void setChangeHandler(std::function<void()> handler) { m_changeHandler = std::move(handler); }
@@ -66,6 +69,8 @@ protected:
     InstrumentController();
 
     virtual bool rebindsWithRepresentedObject() const { return false; }
+    // After every change of the represented object, bound or not.
+    virtual void representedObjectDidChange() {}
     virtual void applyCellMode() {}
     virtual void bindValue() {}
     virtual void unbindValue();
@@ -77,6 +82,7 @@ protected:
     void rebind();
     void setTrackRequirementStatus(bool on);
     void notifyChange() const;
+    InstrumentLook& mutableLook() { return m_look; }
 
 private:
     struct RequirementSnapshot {
@@ -95,6 +101,7 @@ private:
     ControlSide* m_control = nullptr;
     QList<std::shared_ptr<ValueBinding>> m_bindings;
     std::function<void()> m_changeHandler;
+    InstrumentLook m_look;
 };
 
 } // namespace quorlin

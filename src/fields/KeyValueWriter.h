@@ -13,7 +13,9 @@ namespace quorlin {
 // editing layer above can turn each write into a step that can be undone.
 // `editIdentity` names the place that was edited (the key's path); writes in
 // a row with the same identity may be merged into one step, which is how
-// typing in one field becomes one undo step and not one per keystroke.
+// typing in one field becomes one undo step and not one per keystroke. An
+// empty identity marks an edit that never merges: adding, removing or moving
+// rows of a table, loading a file, setting a default.
 class KeyValueWriter {
 public:
     virtual ~KeyValueWriter() = default;

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "fields/InstrumentController.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace quorlin {
+
+// A bundle identifier picked in the app sheet rather than typed. The widget
+// shows the app's icon and name for the identifier it reads here.
+class AppSelectorInstrumentController : public InstrumentController {
+public:
+    Types type() const override { return Types::appSelector; }
+
+    bool showingButtons() const { return m_showingButtons; }
+    void setShowingButtons(bool showing);
+
+    std::optional<QString> bundleId() const;
+    // Follows the key's disabling by an exclusion rule.
+    bool isDisabled() const;
+    // The sheet's confirmed choice; an empty one changes nothing.
+    void choose(const QString& chosenBundleId);
+    void remove();
+
+protected:
+    void bindValue() override;
+
+private:
+    bool m_showingButtons = true;
+};
+
+} // namespace quorlin
