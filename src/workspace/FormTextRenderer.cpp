@@ -1,5 +1,8 @@
 #include "workspace/FormTextRenderer.h"
 
+#include "fields/ControlSide.h"
+#include "fields/InstrumentController.h"
+#include "fields/ValueBinding.h"
 #include "workspace/PFMSection.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
@@ -30,19 +33,35 @@ QString describeValue(const PreferenceKey& key) {
     return plistValue.debugDescription();
 }
 
-// What an empty instrument shows in grey: the manifest's hint, else its default.
-std::optional<QString> placeholder(const PreferenceKey& key) {
-    if (!key.value().isAbsent())
+// A control that only remembers what its binding asked it to show.
+class RecordingControl : public ControlSide {
+public:
+    void showValue(const plist::Value&) override {}
+    void showNullPlaceholder(const std::optional<plist::Value>& placeholder) override { shown = placeholder; }
+    std::optional<plist::Value> shown;
+};
+
+// What the empty instrument shows in grey. An instrument without a view
+// gets a stand-in control for the moment of asking, as a view would bind.
+std::optional<QString> placeholder(const FieldViewController& field) {
+    if (!field.field()->value().isAbsent() || field.instruments().isEmpty())
         return std::nullopt;
-    const PFMKeyPrototype& prototype = key.prototype();
-    if (prototype.valuePlaceholder())
-        return *prototype.valuePlaceholder();
-    if (const auto& defaultValue = prototype.defaultValue()) {
-        if (const auto string = defaultValue->toString())
-            return *string;
-        return defaultValue->debugDescription();
+    InstrumentController& instrument = *field.instruments().first();
+    std::optional<plist::Value> shown;
+    if (instrument.isViewLoaded()) {
+        if (const auto binding = instrument.valueBinding())
+            shown = binding->options().nullPlaceholder;
+    } else {
+        RecordingControl control;
+        instrument.attachControl(&control);
+        shown = control.shown;
+        instrument.attachControl(nullptr);
     }
-    return std::nullopt;
+    if (!shown || shown->isNull())
+        return std::nullopt;
+    if (const auto string = shown->toString())
+        return *string;
+    return shown->debugDescription();
 }
 
 } // namespace
@@ -111,10 +130,10 @@ QString FormTextRenderer::renderField(const PayloadViewController& form, const F
         return QStringLiteral("  - [signing]\n");
     const PreferenceKey& key = *field.key;
     QStringList parts;
-    parts << QStringLiteral("%1 (%2) <%3>").arg(key.name(), key.prototype().title(), field.instrumentType);
+    parts << QStringLiteral("%1 (%2) <%3>").arg(key.name(), key.prototype().title(), field.instrumentType());
     if (field.hidden)
         parts << QStringLiteral("hidden");
-    if (key.excludedDisabledByConditional())
+    if (!field.controller->isEnabled())
         parts << QStringLiteral("disabled");
     if (key.required())
         parts << QStringLiteral("required");
@@ -122,10 +141,10 @@ QString FormTextRenderer::renderField(const PayloadViewController& form, const F
         parts << QStringLiteral("out");
     if (const QString value = describeValue(key); !value.isEmpty())
         parts << QStringLiteral("value ") + value;
-    else if (const auto hint = placeholder(key))
+    else if (const auto hint = placeholder(*field.controller))
         parts << QStringLiteral("placeholder ") + quoted(*hint);
-    if (field.validator && field.validator->prominentError())
-        parts << QStringLiteral("error ") + quoted(*field.validator->prominentError());
+    if (const auto error = field.controller->error())
+        parts << QStringLiteral("error ") + quoted(*error);
     return QStringLiteral("  - ") + parts.join(QStringLiteral(" | ")) + QLatin1Char('\n');
 }
 

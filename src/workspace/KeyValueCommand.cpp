@@ -33,8 +33,9 @@ bool KeyValueCommand::isTyping() const {
 
 bool KeyValueCommand::mergeWith(const QUndoCommand* other) {
     const auto* next = dynamic_cast<const KeyValueCommand*>(other);
-    if (!next || next->m_key != m_key || next->m_editIdentity != m_editIdentity || !isTyping() ||
-        !next->isTyping())
+    // A write without a place, such as a menu's command, is a step of its own.
+    if (!next || m_editIdentity.isEmpty() || next->m_key != m_key || next->m_editIdentity != m_editIdentity ||
+        !isTyping() || !next->isTyping())
         return false;
     m_value = next->m_value;
     m_after = next->m_after;

@@ -260,6 +260,10 @@ void PFMSection::setFieldDisplaySettings(const FieldDisplaySettings& settings) {
         m_sectionViewController->setFieldDisplaySettings(settings);
 }
 
+void PFMSection::setKeyValueWriter(const std::shared_ptr<KeyValueWriter>& writer) {
+    m_keyValueWriter = writer;
+}
+
 PFMSection::DomainPointer PFMSection::primaryDomain() const {
     return m_domainOrder.isEmpty() ? nullptr : m_domains.value(m_domainOrder.last());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fields/FieldDisplaySettings.h"
+#include "fields/KeyValueWriter.h"
 #include "model/Profile.h"
 #include "schema/PFMDomain.h"
 #include "schema/SupportedPlatforms.h"
@@ -70,6 +71,9 @@ public:
     void setValidationSettings(const std::weak_ptr<const ValidationSettings>& settings);
     const std::weak_ptr<const ValidationSettings>& validationSettings() const { return m_validationSettings; }
     void setFieldDisplaySettings(const FieldDisplaySettings& settings);
+    // The writer the instruments of the forms write through: the document's history.
+    void setKeyValueWriter(const std::shared_ptr<KeyValueWriter>& writer);
+    const std::shared_ptr<KeyValueWriter>& keyValueWriter() const { return m_keyValueWriter; }
     const std::optional<FieldDisplaySettings>& fieldDisplaySettings() const { return m_fieldDisplaySettings; }
 
     // Gives the form the profile's payloads of this section, at window set-up.
@@ -109,6 +113,7 @@ private:
     std::optional<SupportedPlatforms> m_supportedPlatforms;
     std::weak_ptr<const ValidationSettings> m_validationSettings;
     std::optional<FieldDisplaySettings> m_fieldDisplaySettings;
+    std::shared_ptr<KeyValueWriter> m_keyValueWriter;
     mutable std::optional<QStringList> m_searchKeywords;
 };
 

@@ -31,7 +31,8 @@ PayloadViewController* PFMSectionViewController::addPayload() {
     for (const auto& form : m_payloadControllers)
         form->setCollapsed(true);
     PayloadViewController& form =
-        adopt(std::make_unique<PayloadViewController>(this, payload), int(m_payloadControllers.size()));
+        adopt(std::make_unique<PayloadViewController>(this, payload, m_section.keyValueWriter()),
+              int(m_payloadControllers.size()));
     ++m_allCreatedPayloadIndex;
     nameNewPayload(form);
     return &form;
@@ -55,7 +56,7 @@ PayloadViewController& PFMSectionViewController::addPayloadForm(const Payload::P
 
 PayloadViewController& PFMSectionViewController::insertPayloadForm(const Payload::Pointer& payload,
                                                                    int index) {
-    return adopt(std::make_unique<PayloadViewController>(this, payload), index);
+    return adopt(std::make_unique<PayloadViewController>(this, payload, m_section.keyValueWriter()), index);
 }
 
 PayloadViewController& PFMSectionViewController::adopt(std::unique_ptr<PayloadViewController> form,

@@ -1,23 +1,22 @@
 #include "workspace/PayloadViewController.h"
 
+#include "fields/DirectKeyValueWriter.h"
 #include "model/PreferenceKeyObserver.h"
 #include "plist/Utilities.h"
-#include "validation/FieldValidatorDelegate.h"
-#include "workspace/FormInstruments.h"
 #include "workspace/PFMSectionViewController.h"
 
 #include <algorithm>
 
 namespace quorlin {
 
-// Keys and validators hold their listeners weakly; this small object is the
-// listener they hold, and it dies with the form.
-class PayloadViewController::KeyFollower : public PreferenceKeyObserver, public FieldValidatorDelegate {
+// Keys hold their observers weakly; this small object is the observer they
+// hold, and it dies with the form.
+class PayloadViewController::KeyFollower : public PreferenceKeyObserver {
 public:
     explicit KeyFollower(PayloadViewController& form)
         : m_form(form) {}
     void preferenceKeyValueDidChange(PreferenceKey&) override { m_form.followKeyChange(); }
-    void fieldValidatorValidityDidChange(FieldValidator&) override { m_form.countErrors(); }
+    void fieldChanged() { m_form.countErrors(); }
 
 private:
     PayloadViewController& m_form;
@@ -25,17 +24,8 @@ private:
 
 namespace {
 
-// A term of one character is no search: it would match nearly everything.
-bool hasSearchTerm(const FieldDisplaySettings& settings) {
-    return settings.highlightedTerm && settings.highlightedTerm->size() >= 2;
-}
-
 bool isFiltering(const FieldDisplaySettings& settings) {
     return !settings.filteredForPlatforms.empty() || settings.filteredForConfigured;
-}
-
-bool containsTerm(const QString& text, const QString& term) {
-    return text.contains(term, Qt::CaseInsensitive);
 }
 
 // Keys with a sorting index first, in that order; the rest keep theirs.
@@ -56,9 +46,11 @@ PreferenceKey::KeyList rowOrder(const Payload& payload) {
 } // namespace
 
 PayloadViewController::PayloadViewController(PFMSectionViewController* sectionViewController,
-                                             const Payload::Pointer& payload)
+                                             const Payload::Pointer& payload,
+                                             std::shared_ptr<KeyValueWriter> writer)
     : m_sectionViewController(sectionViewController)
     , m_payload(payload)
+    , m_writer(writer ? std::move(writer) : DirectKeyValueWriter::shared())
     , m_keyFollower(std::make_shared<KeyFollower>(*this)) {
     const auto displayName =
         std::find_if(payload->preferenceKeys().begin(), payload->preferenceKeys().end(),
@@ -101,10 +93,23 @@ void PayloadViewController::buildFields(const Payload& payload) {
 void PayloadViewController::addField(const PreferenceKey::Pointer& key) {
     FormField field;
     field.key = key;
-    field.instrumentType = FormInstruments::typeName(key->prototype());
-    field.arrangement = FormInstruments::arrangement(key->prototype());
-    field.validator = FieldValidator::make(key);
-    field.validator->setDelegate(m_keyFollower);
+    field.controller = FieldViewController::make(key);
+    field.controller->makeInstrument(m_writer);
+    field.controller->setChangeHandler([follower = std::weak_ptr<KeyFollower>(m_keyFollower)] {
+        if (const auto live = follower.lock())
+            live->fieldChanged();
+    });
+    switch (field.controller->arrangement()) {
+    case FieldViewController::Arrangement::boolean:
+        field.arrangement = FormField::Arrangement::boolean;
+        break;
+    case FieldViewController::Arrangement::array:
+        field.arrangement = FormField::Arrangement::array;
+        break;
+    case FieldViewController::Arrangement::ordinary:
+        field.arrangement = FormField::Arrangement::field;
+        break;
+    }
     field.followsExclusion = key->inheritedExclusionByRule();
     field.lastHiddenByExclusion = key->excludedHiddenByConditional();
     field.lastExcluded = key->excluded();
@@ -117,7 +122,6 @@ void PayloadViewController::addField(const PreferenceKey::Pointer& key) {
 void PayloadViewController::addSigningField() {
     FormField field;
     field.arrangement = FormField::Arrangement::signing;
-    field.instrumentType = QStringLiteral("signing");
     m_fields.push_back(std::move(field));
 }
 
@@ -169,8 +173,8 @@ std::optional<QString> PayloadViewController::unfamiliarPropertiesNotice() const
 void PayloadViewController::setValidationSettings(const std::weak_ptr<const ValidationSettings>& settings) {
     m_validationSettings = settings;
     for (FormField& field : m_fields) {
-        if (field.validator)
-            field.validator->setValidationSettings(settings);
+        if (field.controller)
+            field.validator()->setValidationSettings(settings);
     }
 }
 
@@ -234,7 +238,10 @@ void PayloadViewController::setFieldDisplaySettings(const FieldDisplaySettings& 
     m_suspendFieldVisibilityResets = true;
     std::set<int> groupsWithHit;
     for (FormField& field : m_fields) {
-        if (termUnchanged || !field.key)
+        if (!field.controller)
+            continue;
+        field.controller->setFieldDisplaySettings(settings);
+        if (termUnchanged)
             continue;
         if (!field.key->effectiveDisplayGroupIndex() && !field.followsExclusion)
             continue;
@@ -246,19 +253,10 @@ void PayloadViewController::setFieldDisplaySettings(const FieldDisplaySettings& 
     m_suspendFieldVisibilityResets = false;
 }
 
-bool PayloadViewController::matchesTerm(const FormField& field) const {
-    if (!m_fieldDisplaySettings || !hasSearchTerm(*m_fieldDisplaySettings))
-        return false;
-    const QString& term = *m_fieldDisplaySettings->highlightedTerm;
-    const PFMKeyPrototype& prototype = field.key->prototype();
-    return containsTerm(field.key->name(), term) || containsTerm(prototype.title(), term) ||
-           containsTerm(prototype.descriptionLine(), term);
-}
-
 // A hit on a key that a rule hides turns the hiding into disabling, so the
 // user sees what the search found.
 void PayloadViewController::applySearch(FormField& field, std::set<int>& groupsWithHit) {
-    if (!matchesTerm(field)) {
+    if (!field.controller->hasTermMatch()) {
         field.key->setAllExclusionsShouldDisable(false);
         field.lastHiddenByExclusion = field.key->excludedHiddenByConditional();
         return;
@@ -280,11 +278,12 @@ void PayloadViewController::restoreDefaults() {
 }
 
 void PayloadViewController::validate(FormField& field) {
-    if (!field.validator)
+    if (!field.controller)
         return;
-    field.validator->setValidationSettings(m_validationSettings);
-    field.validator->validateValue();
-    field.validator->validateSettings();
+    const auto& validator = field.validator();
+    validator->setValidationSettings(m_validationSettings);
+    validator->validateValue();
+    validator->validateSettings();
 }
 
 void PayloadViewController::recountErrors() {
@@ -310,16 +309,16 @@ void PayloadViewController::followKeyChange() {
         if (field.key->required() != field.lastRequired) {
             const bool wasRequired = field.lastRequired;
             field.lastRequired = field.key->required();
-            field.validator->requiredDidChange(wasRequired, field.lastRequired);
+            field.validator()->requiredDidChange(wasRequired, field.lastRequired);
         }
         // A rule that lets a key in again may leave a required value missing.
         if (field.key->excluded() != field.lastExcluded) {
             field.lastExcluded = field.key->excluded();
-            field.validator->validateValue();
+            field.validator()->validateValue();
         }
         if (field.key->isWritingOut() != field.lastWritingOut) {
             field.lastWritingOut = field.key->isWritingOut();
-            field.validator->writingOutDidChange();
+            field.validator()->writingOutDidChange();
         }
         if (field.followsExclusion &&
             field.key->excludedHiddenByConditional() != field.lastHiddenByExclusion) {
@@ -329,6 +328,10 @@ void PayloadViewController::followKeyChange() {
                 visibilityMoved = true;
             }
         }
+    }
+    for (FormField& field : m_fields) {
+        if (field.controller)
+            field.controller->refresh();
     }
     if (visibilityMoved)
         Q_EMIT visibilityChanged();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fields/FieldDisplaySettings.h"
+#include "fields/KeyValueWriter.h"
 #include "model/Payload.h"
 #include "validation/ValidationSettings.h"
 #include "workspace/FormField.h"
@@ -25,7 +26,9 @@ class PayloadViewController : public QObject {
     Q_OBJECT
 
 public:
-    PayloadViewController(PFMSectionViewController* sectionViewController, const Payload::Pointer& payload);
+    // Instruments write through `writer`; without one, straight to the keys.
+    PayloadViewController(PFMSectionViewController* sectionViewController, const Payload::Pointer& payload,
+                          std::shared_ptr<KeyValueWriter> writer = {});
     ~PayloadViewController() override;
 
     Payload::Pointer payload() const { return m_payload.lock(); }
@@ -75,7 +78,6 @@ private:
     void addSigningField();
     void validate(FormField& field);
     bool hiddenByPlatformFilter(const FormField& field) const;
-    bool matchesTerm(const FormField& field) const;
     void applySearch(FormField& field, std::set<int>& groupsWithHit);
     void countErrors();
     // A key of the payload changed: rules and requirements may have moved.
@@ -94,6 +96,7 @@ private:
     bool m_suspendFieldVisibilityResets = false;
     bool m_noFieldsDisplayedShown = false;
     std::weak_ptr<const ValidationSettings> m_validationSettings;
+    std::shared_ptr<KeyValueWriter> m_writer;
     std::shared_ptr<KeyFollower> m_keyFollower;
 };
 

@@ -1,5 +1,8 @@
 #include "workspace/EditHistory.h"
 #include "WorkspaceTestSupport.h"
+#include "fields/ControlSide.h"
+#include "fields/InstrumentController.h"
+#include "fields/ValueBinding.h"
 #include "workspace/PFMSectionViewController.h"
 
 #include <QMap>
@@ -22,8 +25,10 @@ protected:
         m_profile = Profile::makeNewProfile(m_domains, makeTestEnvironment());
         m_collection = std::make_unique<PFMSectionCollection>(m_domains);
         m_section = sectionTitled(*m_collection, QStringLiteral("Everything"));
-        for (PFMSection* section : m_collection->sectionPointers())
+        for (PFMSection* section : m_collection->sectionPointers()) {
+            section->setKeyValueWriter(m_history.keyValueWriter());
             section->bind(m_profile);
+        }
         ASSERT_EQ(m_history.addPayload(*m_section, m_profile), PFMSection::AddPayloadResult::added);
         // The tests start from a document just opened with that payload.
         m_history.undoStack().clear();
@@ -69,6 +74,43 @@ TEST_F(EditHistoryTest, TypingInOneFieldIsOneStep) {
     EXPECT_EQ(m_history.undoStack().count(), 3);
     m_history.undoStack().setIndex(0);
     EXPECT_EQ(bytes(), before);
+}
+
+// A control that shows nothing; the test types into it through its binding.
+class SilentControl : public ControlSide {
+public:
+    void showValue(const plist::Value&) override {}
+};
+
+const FormField* fieldNamed(const PayloadViewController& form, const QString& name) {
+    for (const FormField& field : form.fieldViewControllers()) {
+        if (field.key && field.key->name() == name)
+            return &field;
+    }
+    return nullptr;
+}
+
+TEST_F(EditHistoryTest, InstrumentsWriteThroughTheHistory) {
+    const QByteArray before = bytes();
+    const FormField* name = fieldNamed(*forms()[0], QStringLiteral("Name"));
+    ASSERT_TRUE(name && !name->controller->instruments().isEmpty());
+    SilentControl control;
+    InstrumentController& instrument = *name->controller->instruments().first();
+    instrument.attachControl(&control);
+    ASSERT_TRUE(instrument.valueBinding());
+    for (const char* text : {"w", "wo", "wor", "word"})
+        instrument.valueBinding()->controlValueDidChange(plist::Value(text));
+    EXPECT_EQ(m_history.undoStack().count(), 1);
+    EXPECT_EQ(forms()[0]->payload()->stringValue(QStringLiteral("Name")), QStringLiteral("word"));
+
+    // The field's menu goes through the history too, as a step of its own.
+    name->controller->perform(FieldViewController::MenuAction::unsetOnPayload);
+    EXPECT_EQ(m_history.undoStack().count(), 2);
+    m_history.undoStack().undo();
+    EXPECT_EQ(forms()[0]->payload()->stringValue(QStringLiteral("Name")), QStringLiteral("word"));
+    m_history.undoStack().undo();
+    EXPECT_EQ(bytes(), before);
+    instrument.attachControl(nullptr);
 }
 
 TEST_F(EditHistoryTest, TypingDoesNotMergeAcrossASave) {

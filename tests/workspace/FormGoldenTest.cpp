@@ -55,6 +55,7 @@ public:
 
     void open() {
         m_section = sectionTitled(m_collection, m_caseDomains.first()->title());
+        m_section->setKeyValueWriter(m_history.keyValueWriter());
         m_section->bind(m_profile);
         if (!m_section->sectionViewController())
             m_history.addPayload(*m_section, m_profile);
