@@ -237,6 +237,13 @@ void Profile::removePayload(const Payload::Pointer& payload) {
         keyDidChange(payload.get(), nullptr);
 }
 
+void Profile::insertPayload(const Payload::Pointer& payload, qsizetype index) {
+    if (m_configurationPayloads.contains(payload))
+        return;
+    m_configurationPayloads.insert(std::clamp<qsizetype>(index, 0, m_configurationPayloads.size()), payload);
+    keyDidChange(payload.get(), nullptr);
+}
+
 QString Profile::makeUniquePayloadUUID() const {
     QSet<QString> used;
     if (m_rootPayload) {

@@ -1,0 +1,102 @@
+#include "workspace/EditHistory.h"
+
+#include "workspace/KeySnapshotCommand.h"
+#include "workspace/KeyValueCommand.h"
+#include "workspace/PayloadCommands.h"
+#include "workspace/PayloadViewController.h"
+
+#include <memory>
+
+namespace quorlin {
+
+class EditHistory::Writer : public KeyValueWriter {
+public:
+    explicit Writer(EditHistory& history)
+        : m_history(history) {}
+    void writeValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
+                    const QString& editIdentity) override {
+        m_history.setValue(key, value, editIdentity);
+    }
+
+private:
+    EditHistory& m_history;
+};
+
+EditHistory::EditHistory(QObject* parent)
+    : QObject(parent)
+    , m_writer(std::make_shared<Writer>(*this)) {
+    connect(&m_undoStack, &QUndoStack::indexChanged, this, &EditHistory::followIndex);
+    connect(&m_undoStack, &QUndoStack::cleanChanged, this, &EditHistory::followIndex);
+}
+
+EditHistory::~EditHistory() {
+    // Commands hold keys and payloads; they go before anything they point into.
+    disconnect(&m_undoStack, nullptr, this, nullptr);
+    m_undoStack.clear();
+}
+
+int EditHistory::changeCount() const {
+    const int clean = m_undoStack.cleanIndex();
+    if (clean < 0)
+        return std::max(1, m_undoStack.index());
+    return std::abs(m_undoStack.index() - clean);
+}
+
+void EditHistory::followIndex() {
+    const int count = changeCount();
+    if (count == m_lastChangeCount)
+        return;
+    m_lastChangeCount = count;
+    Q_EMIT changeCountChanged(count);
+}
+
+void EditHistory::setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value) {
+    setValue(key, value, editIdentity(*key));
+}
+
+void EditHistory::setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
+                           const QString& identity) {
+    m_undoStack.push(new KeyValueCommand(key, value, identity));
+}
+
+PFMSection::AddPayloadResult EditHistory::addPayload(PFMSection& section, const Profile::Pointer& profile) {
+    auto result = PFMSection::AddPayloadResult::refused;
+    m_undoStack.push(new AddPayloadCommand(section, profile, &result));
+    return result;
+}
+
+void EditHistory::removePayloads(PFMSection& section, const Profile::Pointer& profile,
+                                 const QList<int>& formIndexes) {
+    auto command = std::make_unique<RemovePayloadsCommand>(section, profile, formIndexes);
+    if (!command->isEmpty())
+        m_undoStack.push(command.release());
+}
+
+void EditHistory::populateDefaults(PayloadViewController& form) {
+    const auto payload = form.payload();
+    if (!payload)
+        return;
+    m_undoStack.push(new KeySnapshotCommand(QStringLiteral("Populate Default Values"),
+                                            payload->preferenceKeys(), [&form] { form.restoreDefaults(); }));
+}
+
+std::shared_ptr<KeyValueWriter> EditHistory::keyValueWriter() {
+    return m_writer;
+}
+
+QString EditHistory::editIdentity(const PreferenceKey& key) {
+    QStringList components;
+    const PreferenceKey* current = &key;
+    while (current) {
+        const auto parent = current->parentKey();
+        QString component = current->name();
+        if (parent && parent->value().keyList())
+            component = QString::number(parent->value().keyList()->indexOf(
+                std::const_pointer_cast<PreferenceKey>(current->shared_from_this())));
+        components.prepend(component);
+        current = parent.get();
+    }
+    return components.join(QLatin1Char('/'));
+}
+
+} // namespace quorlin

@@ -1,0 +1,125 @@
+#include "workspace/SectionArrayController.h"
+
+#include <algorithm>
+
+namespace quorlin {
+
+SectionArrayController::SectionArrayController(QObject* parent)
+    : QObject(parent) {}
+
+SectionArrayController::~SectionArrayController() = default;
+
+void SectionArrayController::setContent(const QList<PFMSection*>& sections) {
+    for (PFMSection* section : m_content)
+        disconnect(section, nullptr, this, nullptr);
+    m_content = sections;
+    for (PFMSection* section : m_content)
+        follow(section);
+    rearrangeObjects();
+}
+
+void SectionArrayController::follow(PFMSection* section) {
+    connect(section, &PFMSection::payloadsConfiguredChanged, this, &SectionArrayController::rearrangeObjects);
+    connect(section, &PFMSection::errorCountChanged, this, [this, section] { Q_EMIT badgeChanged(section); });
+}
+
+void SectionArrayController::addUnfamiliarSections(const Profile& profile) {
+    for (const plist::Dictionary& payload : profile.unfamiliarPayloads()) {
+        const auto type = payload.string(QStringLiteral("PayloadType"));
+        if (!type)
+            continue;
+        const auto existing = std::find_if(m_content.begin(), m_content.end(), [&](PFMSection* section) {
+            return section->sectionKind() == PFMSection::Kinds::unfamiliar &&
+                   section->domains().contains(*type);
+        });
+        if (existing != m_content.end()) {
+            (*existing)->setPayloadsConfigured((*existing)->payloadsConfigured() + 1);
+            continue;
+        }
+        auto section = PFMSection::makeUnfamiliar(payload);
+        if (!section)
+            continue;
+        m_content.append(section.get());
+        follow(section.get());
+        m_ownedSections.push_back(std::move(section));
+    }
+    rearrangeObjects();
+}
+
+void SectionArrayController::removeObject(PFMSection* section) {
+    if (!m_content.removeOne(section))
+        return;
+    disconnect(section, nullptr, this, nullptr);
+    rearrangeObjects();
+    std::erase_if(m_ownedSections, [&](const auto& owned) { return owned.get() == section; });
+}
+
+void SectionArrayController::setFilterPredicate(Predicate predicate) {
+    m_predicate = std::move(predicate);
+    rearrangeObjects();
+}
+
+// The selection follows its sections, not its rows, through a re-sort.
+void SectionArrayController::rearrangeObjects() {
+    QList<PFMSection*> selected;
+    for (const int row : m_selectionIndexes)
+        selected.append(m_arrangedObjects.value(row));
+    QList<std::pair<QString, PFMSection*>> keyed;
+    for (PFMSection* section : m_content) {
+        if (!m_predicate || m_predicate(*section))
+            keyed.append({section->sortingString(), section});
+    }
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    m_arrangedObjects.clear();
+    for (const auto& entry : keyed)
+        m_arrangedObjects.append(entry.second);
+    m_selectionIndexes.clear();
+    for (PFMSection* section : selected) {
+        const auto row = m_arrangedObjects.indexOf(section);
+        if (row >= 0)
+            m_selectionIndexes.append(int(row));
+    }
+    Q_EMIT arrangedObjectsChanged();
+}
+
+void SectionArrayController::setSelectionIndexes(const QList<int>& rows) {
+    m_selectionIndexes.clear();
+    for (const int row : rows) {
+        if (row >= 0 && row < m_arrangedObjects.size() && !m_selectionIndexes.contains(row))
+            m_selectionIndexes.append(row);
+    }
+    std::sort(m_selectionIndexes.begin(), m_selectionIndexes.end());
+}
+
+PFMSection* SectionArrayController::selectedObject() const {
+    return m_selectionIndexes.isEmpty() ? nullptr : m_arrangedObjects.value(m_selectionIndexes.first());
+}
+
+PFMSection* SectionArrayController::selectedOrClickedObject() const {
+    if (m_clickedRow && *m_clickedRow >= 0 && *m_clickedRow < m_arrangedObjects.size())
+        return m_arrangedObjects.value(*m_clickedRow);
+    return selectedObject();
+}
+
+bool SectionArrayController::isSelectionAdjacentToGroupTitle() const {
+    if (m_selectionIndexes.isEmpty())
+        return false;
+    const auto isGroupTitle = [this](int row) {
+        return m_arrangedObjects.value(row)->sectionKind() == PFMSection::Kinds::groupTitle;
+    };
+    bool allAbove = true;
+    for (int row = 0; row < m_selectionIndexes.first(); ++row)
+        allAbove = allAbove && isGroupTitle(row);
+    bool allBelow = true;
+    for (int row = m_selectionIndexes.last() + 1; row < m_arrangedObjects.size(); ++row)
+        allBelow = allBelow && isGroupTitle(row);
+    return allAbove || allBelow;
+}
+
+std::optional<int> SectionArrayController::errorBadge(const PFMSection& section) {
+    const int count = section.errorCount();
+    return count > 0 ? std::optional<int>(count) : std::nullopt;
+}
+
+} // namespace quorlin
