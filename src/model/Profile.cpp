@@ -232,7 +232,9 @@ Payload::Pointer Profile::addPayloadFromFile(const std::shared_ptr<const PFMDoma
     return payload;
 }
 
-void Profile::removePayload(const Payload::Pointer& payload) {
+void Profile::removePayload(Payload::Pointer payload) {
+    // Taken by value: the caller may pass an element of the very list that
+    // is about to lose it.
     if (m_configurationPayloads.removeAll(payload) > 0)
         keyDidChange(payload.get(), nullptr);
 }

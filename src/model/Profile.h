@@ -78,7 +78,7 @@ public:
     Payload::Pointer addPayload(const std::shared_ptr<const PFMDomain>& domain, bool announce = true);
     Payload::Pointer addPayloadFromFile(const std::shared_ptr<const PFMDomain>& domain,
                                         const QString& filePath);
-    void removePayload(const Payload::Pointer& payload);
+    void removePayload(Payload::Pointer payload);
     // Puts a payload that removePayload took out back at its former place,
     // so that undoing a removal gives back the same bytes.
     void insertPayload(const Payload::Pointer& payload, qsizetype index);
