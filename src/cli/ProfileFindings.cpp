@@ -1,5 +1,6 @@
 #include "cli/ProfileFindings.h"
 
+#include "documents/DocumentErrorWords.h"
 #include "validation/ProfileValidation.h"
 
 namespace quorlin::cli {
@@ -10,9 +11,9 @@ const QString kPayloadUUID = QStringLiteral("PayloadUUID");
 const QString kPayloadIdentifier = QStringLiteral("PayloadIdentifier");
 
 QString repeatedValue(const Payload& payload, const QString& key) {
-    return QStringLiteral("“%1” is already the %2 of another payload; requirements introduced by Apple in "
-                          "late 2021 make this profile incompatible for silent installation.")
-        .arg(payload.stringValue(key).value_or(QString()), key);
+    return QStringLiteral("“%1” is already the %2 of another payload. %3")
+        .arg(payload.stringValue(key).value_or(QString()), key,
+             DocumentErrorWords::iOS15SilentInstallIncompatibilityInfo);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "cli/ProfileOpener.h"
 
-#include <QFileInfo>
+#include "documents/ProfileDocument.h"
 
 namespace quorlin::cli {
 
@@ -24,29 +24,11 @@ Expected<OpenedProfile, InputFile::Error> ProfileOpener::open(const QString& pat
         opened.content = message->content;
         opened.signature = std::move(message);
     }
-    auto profile = Profile::parseProfile(*bytes, m_context.domains, m_context.environment);
+    auto profile = ProfileDocument::makeProfile(*bytes, m_context.domains, m_context.environment, path);
     if (!profile)
-        return invalid(refusal(profile.error(), path));
+        return invalid(profile.error().words);
     opened.profile = std::move(profile).value();
     return opened;
-}
-
-QString ProfileOpener::refusal(Profile::Errors error, const QString& path) {
-    const QString name = QFileInfo(path).fileName();
-    switch (error) {
-    case Profile::Errors::profileParsingFailedProfileServicePayload:
-        return QStringLiteral(
-                   "The document “%1” is a profile service payload and not a configuration profile.")
-            .arg(name);
-    case Profile::Errors::profileParsingFailedEnrollmentServicePayload:
-        return QStringLiteral(
-                   "The document “%1” is an MDM enrollment profile and not a configuration profile.")
-            .arg(name);
-    case Profile::Errors::profileParsingFailedUnknown:
-        break;
-    }
-    return QStringLiteral("The document “%1” could not be opened: it is not a configuration profile.")
-        .arg(name);
 }
 
 } // namespace quorlin::cli

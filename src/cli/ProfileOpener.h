@@ -27,8 +27,8 @@ struct OpenedProfile {
     bool isSigned() const { return signature.has_value(); }
 };
 
-// The one way the commands open profile files: plain property lists and
-// signed messages, with the editor's refusals in its own words.
+// The one way the commands open profile files: as the editor's document
+// reads them, plain or signed, with its refusals in its own words.
 class ProfileOpener {
 public:
     explicit ProfileOpener(const ProfileContext& context)
@@ -37,9 +37,6 @@ public:
     // Errors start with the path. A file that can't be read is `unreadable`;
     // one that isn't a configuration profile is `invalid`.
     Expected<OpenedProfile, InputFile::Error> open(const QString& path) const;
-
-    // The words for a refused file, as the editor shows them.
-    static QString refusal(Profile::Errors error, const QString& path);
 
 private:
     const ProfileContext& m_context;

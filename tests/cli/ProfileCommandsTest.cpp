@@ -207,12 +207,12 @@ TEST_F(ProfileCommandsTest, CheckOpensFoldersAndRefusesWhatIsNoConfigurationProf
         lines(checked.error),
         (QStringList{
             "profiles/empty.mobileconfig: the file is empty",
-            "profiles/junk.mobileconfig: The document “junk.mobileconfig” could not be opened: it is not a "
+            "profiles/junk.mobileconfig: The document could not be opened because it is not a readable "
             "configuration profile.",
             "profiles/nested/enroll.mobileconfig: The document “enroll.mobileconfig” is an MDM enrollment "
             "profile and not a configuration profile.",
-            "profiles/nested/other.mobileconfig: The document “other.mobileconfig” could not be opened: it "
-            "is not a configuration profile.",
+            "profiles/nested/other.mobileconfig: The document could not be opened because it is not a "
+            "readable configuration profile.",
             "profiles/nested/service.mobileconfig: The document “service.mobileconfig” is a profile service "
             "payload and not a configuration profile.",
         }));
@@ -300,4 +300,27 @@ TEST_F(ProfileCommandsTest, ExportPayloadWritesOnePayloadAsAPropertyList) {
     EXPECT_EQ(unknown.exitCode, 2);
     EXPECT_EQ(unknown.error, "relay.mobileconfig: no payload with the UUID NOPE\n");
     EXPECT_FALSE(QFileInfo::exists(m_tool.path("x.plist")));
+}
+
+TEST_F(ProfileCommandsTest, CheckReportsPayloadsTheEditorWouldDropButKeepsUnknownOnes) {
+    const QString path = relayProfile("mixed.mobileconfig");
+    plist::Dictionary profile = readDictionary(path);
+    plist::Array content = payloads(profile);
+    content << plist::Value("not a payload")
+            << plist::Value(
+                   plist::Dictionary{{"PayloadType", "com.quorlin.unknown"}, {"PayloadUUID", "U-1"}});
+    profile.insert("PayloadContent", plist::Value(content));
+    writeDictionary(path, profile);
+
+    const ToolRun checked = run({"check", "mixed.mobileconfig"});
+    EXPECT_EQ(checked.exitCode, 1);
+    EXPECT_EQ(checked.output,
+              "mixed.mobileconfig: The opened profile contains malformed payload(s) which will not "
+              "be written back to file on save.\n");
+
+    ASSERT_EQ(run({"format", "mixed.mobileconfig"}).exitCode, 0);
+    const plist::Array kept = payloads(readDictionary(path));
+    ASSERT_EQ(kept.size(), 2) << "the malformed one is gone, the unknown one kept";
+    EXPECT_EQ(kept[1].dictionary()->string("PayloadType"), "com.quorlin.unknown");
+    EXPECT_EQ(run({"check", "mixed.mobileconfig"}).exitCode, 0);
 }
