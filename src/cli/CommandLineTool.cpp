@@ -1,9 +1,19 @@
 #include "cli/CommandLineTool.h"
 
+#include "cli/CheckCommand.h"
+#include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
 #include "cli/ExitCode.h"
+#include "cli/ExportPayloadCommand.h"
+#include "cli/FormatCommand.h"
+#include "cli/IdentityImportCommand.h"
+#include "cli/IdentityListCommand.h"
+#include "cli/NewCommand.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
+#include "cli/SignCommand.h"
+#include "cli/UnsignCommand.h"
+#include "cli/VerifyCommand.h"
 #include "plist/ApplicationIdentity.h"
 
 #include <QFile>
@@ -41,6 +51,16 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<DomainsCommand>());
     add(std::make_unique<PlistConvertCommand>());
     add(std::make_unique<PlistLintCommand>());
+    add(std::make_unique<DomainShowCommand>());
+    add(std::make_unique<NewCommand>());
+    add(std::make_unique<CheckCommand>());
+    add(std::make_unique<FormatCommand>());
+    add(std::make_unique<SignCommand>());
+    add(std::make_unique<VerifyCommand>());
+    add(std::make_unique<UnsignCommand>());
+    add(std::make_unique<ExportPayloadCommand>());
+    add(std::make_unique<IdentityImportCommand>());
+    add(std::make_unique<IdentityListCommand>());
 }
 
 QString CommandLineTool::programName() {
