@@ -15,17 +15,16 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Quorlin Profile Editor team <profile-editor@quorlin.com>")
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-# The first line is the synopsis; the rest is the long description, each line
-# indented by one space as the control file wants.
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION [=[Editor of Apple configuration profiles
- Quorlin Profile Editor builds, opens, checks, signs and saves configuration
- profiles (.mobileconfig files) for iOS, macOS, tvOS and watchOS devices.
- Every form is generated from preference manifests; values are checked
- against the chosen platforms and versions as they are typed, and profiles
- can be signed with an identity on save.
- .
- The package also holds quorlin-profile, a command-line tool for the same
- jobs in scripts.]=])
+# The synopsis is the summary above; CPack indents this text for the control
+# file and turns the blank line into a paragraph break.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION [=[Quorlin Profile Editor builds, opens, checks, signs and saves configuration
+profiles (.mobileconfig files) for iOS, macOS, tvOS and watchOS devices.
+Every form is generated from preference manifests; values are checked
+against the chosen platforms and versions as they are typed, and profiles
+can be signed with an identity on save.
+
+The package also holds quorlin-profile, a command-line tool for the same
+jobs in scripts.]=])
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "shared-mime-info, hicolor-icon-theme")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

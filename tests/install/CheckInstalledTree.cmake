@@ -55,6 +55,12 @@ function(check_programs)
     if(NOT result EQUAL 0 OR NOT output MATCHES "${PROJECT_VERSION}")
         check_failed("installed editor --version gave ${result}: ${output}${errors}")
     endif()
+    # The desktop files and manual pages have folders of their own, not a copy among the resources.
+    foreach(folder desktop man)
+        if(EXISTS ${SHARE}/quorlin-profile-editor/${folder})
+            check_failed("share/quorlin-profile-editor/${folder} is installed with the resources")
+        endif()
+    endforeach()
     # Listing the domains needs the bundled manifests, found relative to the program.
     execute_process(COMMAND ${ISOLATED_ENV} ${ROOT}/bin/quorlin-profile domains
         RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
