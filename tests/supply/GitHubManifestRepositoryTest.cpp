@@ -56,7 +56,7 @@ protected:
         ASSERT_TRUE(m_server.listen());
         qputenv("QUORLIN_RAW_CONTENT_URL", m_server.baseUrl().toString().toUtf8());
     }
-    void TearDown() override { qunsetenv("QUORLIN_RAW_CONTENT_URL"); }
+    void TearDown() override { qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/"); }
 
     QString rawPath(const QString& relative) const { return m_served.filePath(kRawRoot + u'/' + relative); }
     QString storeRoot() const { return m_store.filePath("store"); }
@@ -266,5 +266,5 @@ TEST(GitHubManifestRepositoryRules, AddressesBranchesAndTheCommitLog) {
     EXPECT_FALSE(invalidBranch->status().isCheckingForUpdates());
     EXPECT_EQ(invalidBranch->checkErrors(), QList{GitHubRepositoryError::branchIsInvalid});
     EXPECT_EQ(invalidBranch->validationStatus().verificationStatus(), Verification::failed);
-    qunsetenv("QUORLIN_RAW_CONTENT_URL");
+    qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
 }
