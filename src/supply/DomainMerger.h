@@ -34,7 +34,10 @@ public:
                          const PlatformSet& platforms, int depth = 0);
     // Works out and writes down the platforms of one key and its subkeys;
     // returns those of the key itself.
-    static PlatformSet applyPlatforms(plist::Dictionary& key, const PlatformSet& platforms, int depth = 0);
+    static PlatformSet applyPlatforms(plist::Dictionary& key, const PlatformSet& platforms);
+    // The same for every key of a subkey array and, below it, each child with
+    // its parent's own platforms.
+    static void applyPlatforms(plist::Array& keys, const PlatformSet& platforms, int depth = 0);
     // Removes every list equal to the platforms of the key's parent.
     static void prunePlatforms(plist::Array& keys, const PlatformSet& parentPlatforms, int depth = 0);
 
