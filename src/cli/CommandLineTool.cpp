@@ -2,6 +2,7 @@
 
 #include "cli/DomainsCommand.h"
 #include "cli/ExitCode.h"
+#include "cli/ManifestsStandardizeCommand.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
 #include "plist/ApplicationIdentity.h"
@@ -39,6 +40,7 @@ qsizetype wordCount(const Command& command) {
 CommandLineTool::CommandLineTool() {
     // Every command: one line each.
     add(std::make_unique<DomainsCommand>());
+    add(std::make_unique<ManifestsStandardizeCommand>());
     add(std::make_unique<PlistConvertCommand>());
     add(std::make_unique<PlistLintCommand>());
 }

@@ -1,0 +1,256 @@
+#include "StandardizationFixtures.h"
+
+#include "supply/ThirdPartyManifest.h"
+#include "supply/UniformTypeExtensions.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorlin;
+using test::keyArray;
+using test::manifestKey;
+using test::stringArray;
+
+namespace {
+
+const QString subkeysKey = QStringLiteral("pfm_subkeys");
+const QString platformsKey = QStringLiteral("pfm_quorlin_platforms");
+
+// The one key convertKeys makes of `key`.
+plist::Dictionary convertedKey(const plist::Dictionary& key,
+                               const QStringList& platforms = {"ios", "macos"}) {
+    const plist::Array converted = ThirdPartyManifest::convertKeys(keyArray({key}), platforms);
+    return converted.size() == 1 && converted.first().isDictionary() ? *converted.first().dictionary()
+                                                                     : plist::Dictionary{};
+}
+
+TEST(ThirdPartyManifestTest, ConvertsEveryGoldenCase) {
+    const QStringList cases = test::caseFolders(QStringLiteral("convert"));
+    ASSERT_FALSE(cases.isEmpty());
+    for (const QString& folder : cases) {
+        SCOPED_TRACE(folder.toStdString());
+        const QDir dir(folder);
+        const plist::Dictionary input = test::readDictionary(dir.filePath("input.plist"));
+        ASSERT_FALSE(input.isEmpty());
+        EXPECT_TRUE(ThirdPartyManifest::isThirdParty(input));
+        EXPECT_EQ(ThirdPartyManifest::convert(input), test::readDictionary(dir.filePath("expected.plist")));
+    }
+}
+
+TEST(ThirdPartyManifestTest, OnlyThePresenceOfADetectionKeyCounts) {
+    EXPECT_TRUE(ThirdPartyManifest::isThirdParty({{"pfm_unique", false}}));
+    EXPECT_TRUE(ThirdPartyManifest::isThirdParty({{"pfm_platforms", "not even an array"}}));
+    EXPECT_FALSE(
+        ThirdPartyManifest::isThirdParty({{"pfm_domain", "Configuration"}, {"pfm_quorlin_platforms", 1}}));
+}
+
+TEST(ThirdPartyManifestTest, TheConfigurationDomainBecomesTheGeneralPayload) {
+    EXPECT_EQ(ThirdPartyManifest::convert({{"pfm_domain", "Configuration"}}).string("pfm_domain"), QString());
+    EXPECT_EQ(ThirdPartyManifest::convert({{"pfm_domain", "configuration"}}).string("pfm_domain"),
+              "configuration");
+    EXPECT_FALSE(ThirdPartyManifest::convert({{"pfm_domain", 3}}).contains("pfm_domain"));
+}
+
+TEST(ThirdPartyManifestTest, RootValuesOfTheWrongClassAreDroppedAndUnknownKeysWithThem) {
+    const plist::Dictionary converted = ThirdPartyManifest::convert({
+        {"pfm_last_modified", "2024-01-01"},
+        {"pfm_note", 5},
+        {"pfm_documentation_url", plist::Array{}},
+        {"pfm_format_version", "two"},
+        {"pfm_supervised", "yes"},
+        {"pfm_app_url", "https://example.com"},
+        {"pfm_quorlin_category", "system"},
+    });
+    const plist::Dictionary expected{{"pfm_format_version", 1},
+                                     {"pfm_quorlin_supervision_required", "yes"},
+                                     {"pfm_quorlin_category", "system"}};
+    EXPECT_EQ(converted, expected);
+}
+
+TEST(ThirdPartyManifestTest, InputTypesFollowTheTypeAndTheValueProcessor) {
+    struct Case {
+        const char* type;
+        const char* input;
+        const char* processor;
+        const char* controlType;
+        const char* adapter;
+    };
+    const Case cases[] = {
+        {"data", "string", nullptr, "string", nullptr},
+        {"data", "string", "base642data", "string", nullptr},
+        {"data", "string", "hex2data", "string", "data-to-hex-string"},
+        {"data", "string", "rot13", nullptr, nullptr},
+        {"integer", "boolean", nullptr, "boolean", nullptr},
+        {"integer", "boolean", "hex2data", nullptr, nullptr},
+        {"string", "string", nullptr, nullptr, nullptr},
+        {nullptr, "string", nullptr, nullptr, nullptr},
+    };
+    for (const Case& item : cases) {
+        SCOPED_TRACE(std::string(item.type ? item.type : "-") + "/" + item.input + "/" +
+                     (item.processor ? item.processor : "-"));
+        plist::Dictionary key = manifestKey("Key", item.type, {{"pfm_type_input", item.input}});
+        if (item.processor)
+            key.insert("pfm_value_processor", item.processor);
+        const plist::Dictionary converted = convertedKey(key);
+        EXPECT_EQ(converted.string("pfm_quorlin_control_type"),
+                  item.controlType ? std::optional<QString>(item.controlType) : std::nullopt);
+        EXPECT_EQ(converted.string("pfm_quorlin_type_adapter"),
+                  item.adapter ? std::optional<QString>(item.adapter) : std::nullopt);
+        EXPECT_FALSE(converted.contains("pfm_value_processor"));
+        EXPECT_FALSE(converted.contains("pfm_type_input"));
+    }
+}
+
+TEST(ThirdPartyManifestTest, RangeTitlesAreKeyedByTheRangeValuesText) {
+    const auto pretty = [](const char* type, const plist::Array& range, const plist::Array& titles) {
+        return convertedKey(
+                   manifestKey("Key", type, {{"pfm_range_list", range}, {"pfm_range_list_titles", titles}}))
+            .value("pfm_quorlin_pretty_range_list");
+    };
+    EXPECT_EQ(pretty("integer", {1, 20, "3"}, stringArray({"One", "Twenty", "Three"})),
+              plist::Value(plist::Dictionary{{"1", "One"}, {"20", "Twenty"}}));
+    EXPECT_EQ(pretty("real", {0.5, 2.0}, stringArray({"Half", "Two"})),
+              plist::Value(plist::Dictionary{{"0.5", "Half"}, {"2", "Two"}}));
+    EXPECT_EQ(pretty("string", {"a", 1}, stringArray({"A", "One"})),
+              plist::Value(plist::Dictionary{{"a", "A"}}));
+    EXPECT_TRUE(pretty("string", {"a", "b"}, stringArray({"A", "B", "C"})).isNull());
+    EXPECT_TRUE(pretty("boolean", {true, false}, stringArray({"Yes", "No"})).isNull());
+    EXPECT_TRUE(pretty("string", {1, 2}, stringArray({"One", "Two"})).isNull());
+}
+
+TEST(ThirdPartyManifestTest, RequiredOnlyFillsAnAbsentRequireAndUnknownPresencesAreDropped) {
+    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", 1}})).string("pfm_require"),
+              "always");
+    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", true}, {"pfm_require", "push"}}))
+                  .string("pfm_require"),
+              "push");
+    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", true}, {"pfm_require", "never"}}))
+                  .string("pfm_require"),
+              std::nullopt);
+    EXPECT_FALSE(convertedKey(manifestKey("K", "string", {{"pfm_required", false}})).contains("pfm_require"));
+    EXPECT_FALSE(
+        convertedKey(manifestKey("K", "string", {{"pfm_required", "true"}})).contains("pfm_require"));
+}
+
+TEST(ThirdPartyManifestTest, NegativePlatformsKeepWhatTheyNameAndNarrowLaterSiblingsChildren) {
+    const plist::Dictionary child =
+        manifestKey("Child", "string", {{"pfm_n_platforms", stringArray({"iOS", "tvOS"})}});
+    const plist::Array converted = ThirdPartyManifest::convertKeys(
+        keyArray({
+            manifestKey(
+                "Own", "string",
+                {{"pfm_platforms", stringArray({"tvOS"})}, {"pfm_n_platforms", stringArray({"iOS"})}}),
+            manifestKey("Narrow", "string", {{"pfm_n_platforms", plist::Array{"IOS", "TVOS", "watchos", 4}}}),
+            manifestKey("Parent", "dictionary", {{subkeysKey, keyArray({child})}}),
+        }),
+        ThirdPartyManifest::defaultPlatforms());
+    ASSERT_EQ(converted.size(), 3);
+    EXPECT_EQ(converted[0].dictionary()->value(platformsKey), plist::Value(stringArray({"tvOS"})));
+    EXPECT_EQ(converted[1].dictionary()->value(platformsKey),
+              plist::Value(stringArray({"ios", "tvos", "watchos"})));
+    EXPECT_FALSE(converted[2].dictionary()->contains(platformsKey));
+    EXPECT_EQ(test::subkeyNamed(*converted[2].dictionary(), "Child").value(platformsKey),
+              plist::Value(stringArray({"ios", "tvos"})));
+}
+
+TEST(ThirdPartyManifestTest, ManifestPlatformsAreInheritedByTheKeys) {
+    const plist::Dictionary converted = ThirdPartyManifest::convert(
+        {{"pfm_platforms", stringArray({"macOS"})},
+         {subkeysKey,
+          keyArray({manifestKey("K", "string", {{"pfm_n_platforms", stringArray({"macos", "ios"})}})})}});
+    EXPECT_EQ(converted.value(platformsKey), plist::Value(stringArray({"macOS"})));
+    EXPECT_FALSE(converted.contains("pfm_platforms"));
+    EXPECT_EQ(test::subkeyNamed(converted, "K").value(platformsKey), plist::Value(stringArray({"macOS"})));
+}
+
+TEST(ThirdPartyManifestTest, FileTypesMixExtensionsAndUniformTypes) {
+    const auto extensions = [](const plist::Array& types) {
+        return ThirdPartyManifest::allowedFileExtensions(types);
+    };
+    EXPECT_EQ(extensions({"mobileconfig", "com.rsa.pkcs-12", 7, "public.json", "public.unix-executable",
+                          "org.example.x"}),
+              QStringList({"mobileconfig", "p12", "pfx", "json"}));
+    EXPECT_EQ(extensions({"public.image"}), UniformTypeExtensions::imageExtensions());
+    EXPECT_EQ(UniformTypeExtensions::imageExtensions().size(), 23);
+
+    const plist::Dictionary empty =
+        convertedKey(manifestKey("K", "data", {{"pfm_allowed_file_types", stringArray({"public.folder"})}}));
+    EXPECT_FALSE(empty.contains("pfm_quorlin_allowed_file_extensions"));
+    const plist::Dictionary some = convertedKey(
+        manifestKey("K", "data", {{"pfm_allowed_file_types", stringArray({"public.png", "com.adobe.pdf"})}}));
+    EXPECT_EQ(some.value("pfm_quorlin_allowed_file_extensions"), plist::Value(stringArray({"png", "pdf"})));
+}
+
+TEST(ThirdPartyManifestTest, UniformTypeTableCoversTheTypesAdministratorsMeet) {
+    for (const char* type :
+         {"public.jpeg", "public.png", "public.tiff", "com.compuserve.gif", "public.heic",
+          "public.plain-text", "public.json", "public.xml", "com.adobe.pdf", "public.x509-certificate",
+          "com.rsa.pkcs-12", "public.zip-archive", "com.apple.property-list", "com.apple.application-bundle",
+          "public.shell-script"}) {
+        SCOPED_TRACE(type);
+        const auto declared = UniformTypeExtensions::extensions(type);
+        ASSERT_TRUE(declared);
+        EXPECT_FALSE(declared->isEmpty());
+        for (const QString& extension : *declared)
+            EXPECT_FALSE(extension.contains('.') || extension.isEmpty());
+    }
+    EXPECT_EQ(UniformTypeExtensions::extensions("public.folder"), QStringList());
+    EXPECT_EQ(UniformTypeExtensions::extensions("public.image"), std::nullopt);
+    EXPECT_EQ(UniformTypeExtensions::extensions("com.apple.property-list"), QStringList({"plist"}));
+}
+
+TEST(ThirdPartyManifestTest, SegmentOrderComesFromTheTitlesOrElseSortedNames) {
+    const plist::Dictionary segments{
+        {"Zulu", stringArray({"z"})}, {"Alpha", stringArray({"a", "b"})}, {"Odd", "x"}};
+    const QList<plist::Dictionary> keys{
+        manifestKey("Titled", "string",
+                    {{"pfm_segments", segments},
+                     {"pfm_range_list_titles", stringArray({"Zulu", "Odd", "Alpha", "Missing"})}}),
+        manifestKey(nullptr, "string", {{"pfm_segments", segments}}),
+        manifestKey("NotSegments", "string", {{"pfm_segments", stringArray({"a"})}}),
+    };
+    const QList<SegmentGroup> expected{{"Zulu", {"z"}, "Titled"},
+                                       {"Alpha", {"a", "b"}, "Titled"},
+                                       {"Alpha", {"a", "b"}, ""},
+                                       {"Zulu", {"z"}, ""}};
+    EXPECT_EQ(ThirdPartyManifest::segmentGroups(keys), expected);
+}
+
+TEST(ThirdPartyManifestTest, AControlShownInAGroupNestsItsGroupsAfterThatGroup) {
+    const QList<SegmentGroup> groups{
+        {"Basic", {"a", "Mode"}, "Top"}, {"Advanced", {"b"}, "Top"}, {"Fast", {"f"}, "Mode"},
+        {"Slow", {"s"}, "Mode"},         {"Empty", {}, "Top"},
+    };
+    const QList<SegmentGroup> expected{
+        {"Basic", {"a"}, "Top"},
+        {"Basic Fast", {"f"}, "Mode"},
+        {"Basic Slow", {"s"}, "Mode"},
+        {"Advanced", {"b"}, "Top"},
+    };
+    EXPECT_EQ(ThirdPartyManifest::resolveSegmentGroups(groups), expected);
+}
+
+TEST(ThirdPartyManifestTest, TheSegmentedKeyIsReplacedByItsGroups) {
+    const plist::Dictionary converted = ThirdPartyManifest::convert(
+        {{"pfm_unique", true},
+         {subkeysKey,
+          keyArray({manifestKey("Switch", "string",
+                                {{"pfm_segments", plist::Dictionary{{"On", stringArray({"A"})}}}}),
+                    manifestKey("A", "string")})}});
+    EXPECT_EQ(converted.value(subkeysKey), plist::Value(keyArray({manifestKey("A", "string")})));
+    EXPECT_EQ(converted.value("pfm_quorlin_groups"),
+              plist::Value(plist::Dictionary{{"On", stringArray({"A"})}}));
+    EXPECT_EQ(converted.value("pfm_quorlin_groups_order"), plist::Value(stringArray({"On"})));
+    EXPECT_EQ(converted.boolean("pfm_quorlin_single_payload"), true);
+}
+
+TEST(ThirdPartyManifestTest, HostilyDeepKeyTreesStopAtTheDepthLimit) {
+    const plist::Array converted = ThirdPartyManifest::convertKeys(test::deeplyNestedKeys(400), {"ios"});
+    int depth = 0;
+    for (const plist::Value* level = converted.isEmpty() ? nullptr : &converted.first(); level; ++depth) {
+        const plist::Array* children = level->dictionary()->array(subkeysKey);
+        level = children && !children->isEmpty() ? &children->first() : nullptr;
+    }
+    EXPECT_EQ(depth, ThirdPartyManifest::maximumDepth);
+}
+
+} // namespace
