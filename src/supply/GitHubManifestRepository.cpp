@@ -61,8 +61,8 @@ GitHubManifestRepository::make(const QString& root, const QString& address, cons
     return repository;
 }
 
-GitHubManifestRepository::GitHubManifestRepository(const QString& root, const QUrl& address, const QString& branch,
-                                                   const QUrl& contentRoot,
+GitHubManifestRepository::GitHubManifestRepository(const QString& root, const QUrl& address,
+                                                   const QString& branch, const QUrl& contentRoot,
                                                    std::optional<StandardizationSettings> settings)
     : UpdatingManifestRepository(root, QDir(root).filePath(kLocalOriginals), std::move(settings))
     , m_branch(branch)
@@ -98,13 +98,16 @@ QUrl GitHubManifestRepository::commitLogURL() const {
     return url;
 }
 
-QString GitHubManifestRepository::standardizedIndexPath() const { return rootDirectory() + u'/' + kStandardizedIndex; }
+QString GitHubManifestRepository::standardizedIndexPath() const {
+    return rootDirectory() + u'/' + kStandardizedIndex;
+}
 
-QString GitHubManifestRepository::lastUpdatesPath() const { return rootDirectory() + u'/' + kLastUpdates; }
+QString GitHubManifestRepository::lastUpdatesPath() const {
+    return rootDirectory() + u'/' + kLastUpdates;
+}
 
 void GitHubManifestRepository::checkForUpdates() {
     cancelCheck();
-    m_checkErrors.clear();
     status().setErrors({});
     m_isChecking = true;
     m_gitHubRepositoryStatus.setVerificationStatus(GitHubRepositoryStatus::VerificationStatuses::notVerified);
@@ -121,8 +124,9 @@ void GitHubManifestRepository::checkForUpdates() {
         endCheck();
         return;
     }
-    m_recentIndexTask = fetch(m_network, manifestsIndexURL(), ManifestIndex::maximumIndexSize, m_callbackContext.get(),
-                              [this](const FetchOutcome& outcome) { handleIndex(outcome); });
+    m_recentIndexTask =
+        fetch(m_network, manifestsIndexURL(), ManifestIndex::maximumIndexSize, m_callbackContext.get(),
+              [this](const FetchOutcome& outcome) { handleIndex(outcome); });
 }
 
 void GitHubManifestRepository::cancelCheck() {
@@ -202,7 +206,7 @@ std::optional<QList<IndexItem>> GitHubManifestRepository::storedIndex() const {
 }
 
 QList<IndexItem> GitHubManifestRepository::itemsToDownload(const QList<IndexItem>& current,
-                                                          const QList<IndexItem>& previous) {
+                                                           const QList<IndexItem>& previous) {
     QHash<QString, IndexItem> previousByPath;
     for (const IndexItem& item : previous)
         previousByPath.insert(item.path, item);
@@ -241,10 +245,9 @@ void GitHubManifestRepository::startNextDownloads() {
     m_runningDownloads.removeAll(nullptr);
     while (m_runningDownloads.size() < maximumParallelDownloads && !m_pendingDownloads.isEmpty()) {
         const Download download = m_pendingDownloads.takeFirst();
-        m_runningDownloads.append(fetch(m_network, download.remote, maximumManifestSize, m_callbackContext.get(),
-                                        [this, download](const FetchOutcome& outcome) {
-                                            handleDownload(download, outcome);
-                                        }));
+        m_runningDownloads.append(
+            fetch(m_network, download.remote, maximumManifestSize, m_callbackContext.get(),
+                  [this, download](const FetchOutcome& outcome) { handleDownload(download, outcome); }));
     }
     if (m_runningDownloads.isEmpty() && m_pendingDownloads.isEmpty() && m_isChecking)
         finishDownloads();
@@ -264,7 +267,8 @@ void GitHubManifestRepository::handleDownload(const Download& download, const Fe
     Q_EMIT downloadProgress(m_downloadsDone, m_downloadsTotal);
     // The finished reply is still in the running list; it goes when its
     // deletion clears the pointer, so look again once control returns.
-    QMetaObject::invokeMethod(m_callbackContext.get(), [this] { startNextDownloads(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        m_callbackContext.get(), [this] { startNextDownloads(); }, Qt::QueuedConnection);
 }
 
 void GitHubManifestRepository::finishDownloads() {
@@ -299,7 +303,7 @@ void GitHubManifestRepository::reloadManifests() {
 }
 
 void GitHubManifestRepository::addError(Errors error) {
-    m_checkErrors.append(error);
+    status().appendError(error);
 }
 
 void GitHubManifestRepository::endCheck() {

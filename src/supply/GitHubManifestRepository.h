@@ -69,8 +69,6 @@ public:
     QString standardizedIndexPath() const;
     QString lastUpdatesPath() const;
     const std::optional<LastUpdates>& lastUpdates() const { return m_lastUpdates; }
-    // The errors of the last check, in the order they happened.
-    const QList<Errors>& checkErrors() const { return m_checkErrors; }
 
 Q_SIGNALS:
     // Manifests downloaded (or failed) so far, of how many this check needs.
@@ -87,8 +85,8 @@ private:
         QString target;
     };
 
-    GitHubManifestRepository(const QString& root, const QUrl& address, const QString& branch, const QUrl& contentRoot,
-                             std::optional<StandardizationSettings> settings);
+    GitHubManifestRepository(const QString& root, const QUrl& address, const QString& branch,
+                             const QUrl& contentRoot, std::optional<StandardizationSettings> settings);
 
     void handleIndex(const struct FetchOutcome& outcome);
     QList<IndexItem> itemsToDownload(const QList<IndexItem>& current, const QList<IndexItem>& previous);
@@ -106,7 +104,6 @@ private:
     const QUrl m_repositoryAddress;
     const QUrl m_userContentRootURL;
     std::optional<LastUpdates> m_lastUpdates;
-    QList<Errors> m_checkErrors;
 
     QNetworkAccessManager m_network;
     QPointer<QNetworkReply> m_recentIndexTask;

@@ -4,11 +4,13 @@ namespace quorlin::GitHubRepositoryErrorWords {
 
 QString message(GitHubRepositoryError error, const QString& suffix) {
     using Error = GitHubRepositoryError;
-    const QString cannot = QStringLiteral("Preference manifests cannot be downloaded from the online repository because ");
+    const QString cannot =
+        QStringLiteral("Preference manifests cannot be downloaded from the online repository because ");
     QString text;
     switch (error) {
     case Error::unknown:
-        text = QStringLiteral("Failed to load preference manifests from the repository because of an unknown reason.");
+        text = QStringLiteral(
+            "Failed to load preference manifests from the repository because of an unknown reason.");
         break;
     case Error::addressIsInvalid:
         text = cannot + QStringLiteral("it has an invalid address.");

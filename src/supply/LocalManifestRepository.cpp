@@ -20,7 +20,9 @@ LocalManifestRepository::make(const QString& storage, const QString& folder,
     return repository;
 }
 
-LocalManifestRepository::~LocalManifestRepository() { FolderEvents::stopWatching(this); }
+LocalManifestRepository::~LocalManifestRepository() {
+    FolderEvents::stopWatching(this);
+}
 
 void LocalManifestRepository::checkForUpdates() {
     m_isRefreshScheduled = false;
@@ -39,11 +41,11 @@ bool LocalManifestRepository::isProfileManifestsRepositoryValue() {
 
 bool LocalManifestRepository::startWatching() {
     QPointer<QObject> context = m_refreshContext.get();
-    const auto started =
-        FolderEvents::startWatching({originalManifestsDirectory()}, this, [this, context](const FolderEventsEvent& event) {
-            if (context && FolderEvents::isContentChange(event))
-                scheduleRefresh();
-        });
+    const auto started = FolderEvents::startWatching({originalManifestsDirectory()}, this,
+                                                     [this, context](const FolderEventsEvent& event) {
+                                                         if (context && FolderEvents::isContentChange(event))
+                                                             scheduleRefresh();
+                                                     });
     return started.hasValue();
 }
 
@@ -54,7 +56,8 @@ void LocalManifestRepository::scheduleRefresh() {
     if (m_isRefreshScheduled)
         return;
     m_isRefreshScheduled = true;
-    QMetaObject::invokeMethod(m_refreshContext.get(), [this] { checkForUpdates(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        m_refreshContext.get(), [this] { checkForUpdates(); }, Qt::QueuedConnection);
 }
 
 } // namespace quorlin

@@ -50,7 +50,7 @@ PFMDomainManager& PFMDomainManager::shared() {
 }
 
 LoadedRepositories PFMDomainManager::loadRepositoriesFromSettings(const UserDefaults& defaults,
-                                                                 const StandardizationSettings& settings) {
+                                                                  const StandardizationSettings& settings) {
     LoadedRepositories loaded;
     const auto type = defaults.string(Key::manifestRepositoryType);
     if (type == DefaultsValue::repositoryTypeOnline)
@@ -60,20 +60,22 @@ LoadedRepositories PFMDomainManager::loadRepositoriesFromSettings(const UserDefa
     return loaded;
 }
 
-void PFMDomainManager::loadOnlineRepository(const UserDefaults& defaults, const StandardizationSettings& settings,
+void PFMDomainManager::loadOnlineRepository(const UserDefaults& defaults,
+                                            const StandardizationSettings& settings,
                                             LoadedRepositories& loaded) {
     const auto address = defaults.string(Key::onlineManifestRepositoryAddress);
-    if (address && RepositoryStorePaths::addressIsValid(*address)) {
-        const QString branch = defaults.string(Key::onlineManifestRepositoryBranchName).value_or(kDefaultBranch);
-        if (const auto store = storageDirectoryForRepositoryAddress(*address, branch)) {
-            loaded.online = LoadedRepositories::Online{*address, branch, *store};
-            loaded.mainRepository = GitHubManifestRepository::make(*store, *address, branch, settings);
-        }
+    if (!address || !RepositoryStorePaths::addressIsValid(*address))
+        return;
+    const QString branch = defaults.string(Key::onlineManifestRepositoryBranchName).value_or(kDefaultBranch);
+    if (const auto store = storageDirectoryForRepositoryAddress(*address, branch)) {
+        loaded.online = LoadedRepositories::Online{*address, branch, *store};
+        loaded.mainRepository = GitHubManifestRepository::make(*store, *address, branch, settings);
     }
     loadUserManifestFolder(defaults, settings, loaded);
 }
 
-void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults, const StandardizationSettings& settings,
+void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults,
+                                              const StandardizationSettings& settings,
                                               LoadedRepositories& loaded) {
     const auto data = defaults.data(Key::userManifestFolderBookmark);
     if (!data)
@@ -92,7 +94,8 @@ void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults, cons
         loaded.bookmarks.append(folder);
 }
 
-void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults, const StandardizationSettings& settings,
+void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults,
+                                           const StandardizationSettings& settings,
                                            LoadedRepositories& loaded) {
     const auto data = defaults.data(Key::localRepositoryPathBookmark);
     if (!data)
@@ -106,7 +109,8 @@ void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults, const S
     }
     // The user folder never applies here: it overrides only an online repository.
     loaded.local = **opened;
-    loaded.mainRepository = LocalManifestRepository::make(loaded.local->storageDirectory, loaded.local->folder, settings);
+    loaded.mainRepository =
+        LocalManifestRepository::make(loaded.local->storageDirectory, loaded.local->folder, settings);
     if (loaded.mainRepository)
         loaded.bookmarks.append(loaded.local->folder);
 }
@@ -156,13 +160,15 @@ void PFMDomainManager::lineUpRepositoryFromSettings() {
     if (sameFolder(m_mainManifestRepository))
         return;
     if (sameFolder(m_overrideManifestRepository)) {
-        m_linedUpManifestRepository = std::dynamic_pointer_cast<UpdatingManifestRepository>(m_overrideManifestRepository);
+        m_linedUpManifestRepository =
+            std::dynamic_pointer_cast<UpdatingManifestRepository>(m_overrideManifestRepository);
         return;
     }
     const auto store = storageDirectoryForLocalFolder(resolution.folder);
     if (!store)
         return;
-    if (auto repository = LocalManifestRepository::make(*store, resolution.folder, defaultStandardizationSettings())) {
+    if (auto repository =
+            LocalManifestRepository::make(*store, resolution.folder, defaultStandardizationSettings())) {
         m_linedUpManifestRepository = std::move(repository);
         m_accessedSecurityBookmarks.append(resolution.folder);
         observeRepositories();
@@ -183,7 +189,8 @@ void PFMDomainManager::adopt(LoadedRepositories loaded) {
     m_accessedSecurityBookmarks = std::move(loaded.bookmarks);
 }
 
-UpdatingManifestRepository* PFMDomainManager::updating(const std::shared_ptr<ManifestRepository>& repository) {
+UpdatingManifestRepository*
+PFMDomainManager::updating(const std::shared_ptr<ManifestRepository>& repository) {
     return dynamic_cast<UpdatingManifestRepository*>(repository.get());
 }
 
@@ -192,7 +199,8 @@ void PFMDomainManager::reloadDomains() {
     // A repository with nothing yet (a new online store before its first
     // download) waits in line while the bundled set serves.
     if (m_mainManifestRepository->standardizedManifests().isEmpty()) {
-        m_linedUpManifestRepository = std::dynamic_pointer_cast<UpdatingManifestRepository>(m_mainManifestRepository);
+        m_linedUpManifestRepository =
+            std::dynamic_pointer_cast<UpdatingManifestRepository>(m_mainManifestRepository);
         m_mainManifestRepository = m_bundledManifestRepository;
     }
     if (auto* main = updating(m_mainManifestRepository))
@@ -230,13 +238,14 @@ void PFMDomainManager::observeRepositories() {
     for (UpdatingManifestRepository* repository : {watched, updating(m_overrideManifestRepository)}) {
         if (repository)
             m_repositoryObservations.append(connect(&repository->status(),
-                                                    &UpdatingRepositoryStatus::isCheckingForUpdatesChanged, this,
-                                                    &PFMDomainManager::updateAreUpdatesAvailable));
+                                                    &UpdatingRepositoryStatus::isCheckingForUpdatesChanged,
+                                                    this, &PFMDomainManager::updateAreUpdatesAvailable));
     }
 }
 
 void PFMDomainManager::updateAreUpdatesAvailable() {
-    if (auto* override = updating(m_overrideManifestRepository); override && !override->status().lastResults().isEmpty()) {
+    if (auto* override = updating(m_overrideManifestRepository);
+        override && !override->status().lastResults().isEmpty()) {
         setAreUpdatesAvailable(true);
         return;
     }
@@ -252,7 +261,8 @@ void PFMDomainManager::updateAreUpdatesAvailable() {
     }
     // An online check runs at every start; its results are news only once
     // the user has touched the repository settings.
-    setAreUpdatesAvailable(dynamic_cast<GitHubManifestRepository*>(repository) && m_windowsShouldIndicateOnlineUpdates);
+    setAreUpdatesAvailable(dynamic_cast<GitHubManifestRepository*>(repository) &&
+                           m_windowsShouldIndicateOnlineUpdates);
 }
 
 void PFMDomainManager::setAreUpdatesAvailable(bool areUpdatesAvailable) {
@@ -322,12 +332,17 @@ void PFMDomainManager::removeStaleStores() {
 }
 
 StandardizationSettings PFMDomainManager::defaultStandardizationSettings() const {
+    return standardizationSettings(m_defaults, m_resources);
+}
+
+StandardizationSettings PFMDomainManager::standardizationSettings(const UserDefaults& defaults,
+                                                                  const ResourceFolder& resources) {
     StandardizationSettings settings;
     settings.hidePayloadTopLevelKeys = true;
     settings.sortOrder = defaultSortOrder();
     settings.scrubThirdPartyPlaceholders = true;
-    if (m_defaults.boolean(Key::maximizeNonStandardManifestCompatibility).value_or(false))
-        settings.supportSearchDirectory = m_resources.manifestSupportDirectory();
+    if (defaults.boolean(Key::maximizeNonStandardManifestCompatibility).value_or(false))
+        settings.supportSearchDirectory = resources.manifestSupportDirectory();
     settings.supportVersion = ApplicationIdentity::shortVersionString();
     return settings;
 }

@@ -85,7 +85,9 @@ public:
     }
     // Ready but not yet in force: the configured repository while it has no
     // manifests, or one prepared after a settings change.
-    UpdatingManifestRepository* linedUpManifestRepository() const { return m_linedUpManifestRepository.get(); }
+    UpdatingManifestRepository* linedUpManifestRepository() const {
+        return m_linedUpManifestRepository.get();
+    }
     const ResourceFolder& resourceFolder() const { return m_resources; }
 
     static std::optional<QString> gitHubStorageRoot();
@@ -95,6 +97,10 @@ public:
     static std::optional<QString> storageDirectoryForLocalFolder(const QString& folder);
 
     StandardizationSettings defaultStandardizationSettings() const;
+    // The same for any settings and resources, so a store made by the
+    // command-line tool matches the one the editor expects.
+    static StandardizationSettings standardizationSettings(const UserDefaults& defaults,
+                                                           const ResourceFolder& resources);
     // The positions of the domains in the section list, the general one first.
     static QStringList defaultSortOrder();
 

@@ -22,9 +22,15 @@ void UpdatingRepositoryStatus::setLastResults(const Results& lastResults) {
     Q_EMIT lastResultsChanged();
 }
 
-void UpdatingRepositoryStatus::setErrors(const QStringList& errors) {
+void UpdatingRepositoryStatus::setErrors(const QList<GitHubRepositoryError>& errors) {
     requireMainThread();
     m_errors = errors;
+    Q_EMIT errorsChanged();
+}
+
+void UpdatingRepositoryStatus::appendError(GitHubRepositoryError error) {
+    requireMainThread();
+    m_errors.append(error);
     Q_EMIT errorsChanged();
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "supply/GitHubRepositoryError.h"
 #include "supply/UpdateResultsItem.h"
+
+#include <QList>
 
 #include <QMap>
 #include <QObject>
@@ -31,9 +34,11 @@ public:
     const Results& lastResults() const { return m_lastResults; }
     void setLastResults(const Results& lastResults);
 
-    // Only network failures of the last refresh; standardization reports none.
-    const QStringList& errors() const { return m_errors; }
-    void setErrors(const QStringList& errors);
+    // Only network failures of the last refresh, in the order they
+    // happened; standardization reports none.
+    const QList<GitHubRepositoryError>& errors() const { return m_errors; }
+    void setErrors(const QList<GitHubRepositoryError>& errors);
+    void appendError(GitHubRepositoryError error);
 
 Q_SIGNALS:
     void isCheckingForUpdatesChanged(bool isCheckingForUpdates);
@@ -45,7 +50,7 @@ private:
 
     bool m_isCheckingForUpdates = false;
     Results m_lastResults;
-    QStringList m_errors;
+    QList<GitHubRepositoryError> m_errors;
 };
 
 } // namespace quorlin

@@ -107,7 +107,7 @@ int usableEntries(const plist::Dictionary& index) {
 TEST_F(GitHubManifestRepositoryTest, AFirstCheckMirrorsTheWholeRepository) {
     auto repository = open();
     ASSERT_TRUE(repository);
-    EXPECT_TRUE(repository->checkErrors().isEmpty());
+    EXPECT_TRUE(repository->status().errors().isEmpty());
     EXPECT_EQ(repository->validationStatus().verificationStatus(), Verification::verified);
 
     const int expected = usableEntries(servedIndex());
@@ -117,7 +117,8 @@ TEST_F(GitHubManifestRepositoryTest, AFirstCheckMirrorsTheWholeRepository) {
     EXPECT_GT(repository->standardizedManifests().size(), 100);
     EXPECT_TRUE(QFileInfo::exists(repository->standardizedIndexPath()));
     ASSERT_TRUE(repository->lastUpdates());
-    EXPECT_EQ(repository->lastUpdates()->updateResultsItems.size(), repository->status().lastResults().size());
+    EXPECT_EQ(repository->lastUpdates()->updateResultsItems.size(),
+              repository->status().lastResults().size());
 }
 
 TEST_F(GitHubManifestRepositoryTest, ASecondCheckFetchesOnlyWhatChangedAndReportsRemovals) {
@@ -144,7 +145,7 @@ TEST_F(GitHubManifestRepositoryTest, ASecondCheckFetchesOnlyWhatChangedAndReport
 
     repository->checkForUpdates();
     waitForCheck(*repository);
-    EXPECT_TRUE(repository->checkErrors().isEmpty());
+    EXPECT_TRUE(repository->status().errors().isEmpty());
     EXPECT_EQ(manifestRequests(), QStringList{"/" + kRawRoot + "/" + dockPath});
     EXPECT_FALSE(QFileInfo::exists(repository->originalManifestsDirectory() + "/" + fontPath));
     const auto& results = repository->status().lastResults();
@@ -174,19 +175,22 @@ TEST_F(GitHubManifestRepositoryTest, AFailedCheckKeepsTheManifestsInForce) {
         GitHubRepositoryError error;
     };
     const std::vector<Case> cases{
-        {"missing index", [&] { m_server.setStatus(indexPath, 404); }, GitHubRepositoryError::failedRetrievingIndex},
+        {"missing index", [&] { m_server.setStatus(indexPath, 404); },
+         GitHubRepositoryError::failedRetrievingIndex},
         {"truncated index", [&] { m_server.setBody(indexPath, index.left(index.size() / 2)); },
          GitHubRepositoryError::parsingDownloadedIndexFailed},
-        {"empty body", [&] { m_server.setBody(indexPath, {}); }, GitHubRepositoryError::parsingDownloadedIndexFailed},
-        {"server error", [&] { m_server.setStatus(indexPath, 500); }, GitHubRepositoryError::failedRetrievingIndex},
+        {"empty body", [&] { m_server.setBody(indexPath, {}); },
+         GitHubRepositoryError::parsingDownloadedIndexFailed},
+        {"server error", [&] { m_server.setStatus(indexPath, 500); },
+         GitHubRepositoryError::failedRetrievingIndex},
     };
     for (const Case& scenario : cases) {
         m_server.clearOverrides();
         scenario.arrange();
         repository->checkForUpdates();
         waitForCheck(*repository);
-        ASSERT_EQ(repository->checkErrors().size(), 1) << scenario.name;
-        EXPECT_EQ(repository->checkErrors().first(), scenario.error) << scenario.name;
+        ASSERT_EQ(repository->status().errors().size(), 1) << scenario.name;
+        EXPECT_EQ(repository->status().errors().first(), scenario.error) << scenario.name;
         EXPECT_EQ(repository->validationStatus().verificationStatus(), Verification::failed) << scenario.name;
         EXPECT_EQ(repository->standardizedManifests().size(), inForce) << scenario.name;
     }
@@ -195,8 +199,8 @@ TEST_F(GitHubManifestRepositoryTest, AFailedCheckKeepsTheManifestsInForce) {
     m_server.close();
     repository->checkForUpdates();
     waitForCheck(*repository);
-    ASSERT_EQ(repository->checkErrors().size(), 1);
-    EXPECT_EQ(repository->checkErrors().first(), GitHubRepositoryError::unknown);
+    ASSERT_EQ(repository->status().errors().size(), 1);
+    EXPECT_EQ(repository->status().errors().first(), GitHubRepositoryError::unknown);
     EXPECT_EQ(repository->standardizedManifests().size(), inForce);
 }
 
@@ -208,12 +212,13 @@ TEST_F(GitHubManifestRepositoryTest, AHostileIndexWritesNothingOutsideTheStore) 
                               "Manifests\\..\\..\\escaped.plist", "Manifests/%2e%2e/%2e%2e/escaped.plist"};
     for (int i = 0; i < hostile.size(); ++i)
         domains.insert(QStringLiteral("hostile%1").arg(i), plist::Dictionary{{"path", hostile[i]}});
-    domains.insert("com.apple.dock", plist::Dictionary{{"path", "Manifests/ManifestsApple/com.apple.dock.plist"}});
+    domains.insert("com.apple.dock",
+                   plist::Dictionary{{"path", "Manifests/ManifestsApple/com.apple.dock.plist"}});
     serveIndex(plist::Dictionary{{"ManifestsApple", domains}});
 
     auto repository = open();
     ASSERT_TRUE(repository);
-    EXPECT_TRUE(repository->checkErrors().isEmpty());
+    EXPECT_TRUE(repository->status().errors().isEmpty());
     EXPECT_EQ(manifestRequests().size(), 1);
     EXPECT_FALSE(QFileInfo::exists(outside));
     EXPECT_EQ(repository->manifestFiles().size(), 1);
@@ -224,7 +229,7 @@ TEST_F(GitHubManifestRepositoryTest, OversizedManifestsAreRefusedAndTheRestArriv
     m_server.setBody(dockPath, QByteArray(GitHubManifestRepository::maximumManifestSize + 1, ' '));
     auto repository = open();
     ASSERT_TRUE(repository);
-    EXPECT_TRUE(repository->checkErrors().contains(GitHubRepositoryError::failedRetrievingManifest));
+    EXPECT_TRUE(repository->status().errors().contains(GitHubRepositoryError::failedRetrievingManifest));
     EXPECT_FALSE(repository->manifest("com.apple.dock"));
     EXPECT_TRUE(repository->manifest("com.apple.font"));
     // The index isn't kept after a partial download, so the next check heals it.
@@ -243,28 +248,32 @@ TEST_F(GitHubManifestRepositoryTest, ACancelledCheckEndsQuietly) {
     QTest::qWait(50);
     repository->cancelCheck();
     EXPECT_FALSE(repository->status().isCheckingForUpdates());
-    EXPECT_TRUE(repository->checkErrors().isEmpty());
+    EXPECT_TRUE(repository->status().errors().isEmpty());
     EXPECT_EQ(repository->validationStatus().verificationStatus(), Verification::notVerified);
 }
 
 TEST(GitHubManifestRepositoryRules, AddressesBranchesAndTheCommitLog) {
-    EXPECT_FALSE(GitHubManifestRepository::make(QDir::tempPath() + "/never", "https://gitlab.com/o/r", "main", {}));
+    EXPECT_FALSE(
+        GitHubManifestRepository::make(QDir::tempPath() + "/never", "https://gitlab.com/o/r", "main", {}));
     EXPECT_TRUE(GitHubManifestRepository::branchIsValid("release/2.0"));
     EXPECT_FALSE(GitHubManifestRepository::branchIsValid("topic.lock"));
     EXPECT_FALSE(GitHubManifestRepository::addressIsValid("https://github.com/owner"));
 
     QTemporaryDir store;
     qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
-    auto repository = GitHubManifestRepository::make(store.path(), "https://github.com/owner/repo", "release/2.0", {});
+    auto repository =
+        GitHubManifestRepository::make(store.path(), "https://github.com/owner/repo", "release/2.0", {});
     ASSERT_TRUE(repository);
     repository->cancelCheck();
     EXPECT_EQ(repository->commitLogURL().toString(), "https://github.com/owner/repo/commits/release/2.0");
-    EXPECT_EQ(repository->manifestsIndexURL().toString(), "http://127.0.0.1:9/owner/repo/release/2.0/Manifests/index");
+    EXPECT_EQ(repository->manifestsIndexURL().toString(),
+              "http://127.0.0.1:9/owner/repo/release/2.0/Manifests/index");
 
-    auto invalidBranch = GitHubManifestRepository::make(store.path(), "https://github.com/owner/repo", "a..b", {});
+    auto invalidBranch =
+        GitHubManifestRepository::make(store.path(), "https://github.com/owner/repo", "a..b", {});
     ASSERT_TRUE(invalidBranch);
     EXPECT_FALSE(invalidBranch->status().isCheckingForUpdates());
-    EXPECT_EQ(invalidBranch->checkErrors(), QList{GitHubRepositoryError::branchIsInvalid});
+    EXPECT_EQ(invalidBranch->status().errors(), QList{GitHubRepositoryError::branchIsInvalid});
     EXPECT_EQ(invalidBranch->validationStatus().verificationStatus(), Verification::failed);
     qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
 }

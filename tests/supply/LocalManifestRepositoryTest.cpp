@@ -2,6 +2,7 @@
 
 #include "plist/XmlWriter.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -36,7 +37,9 @@ std::optional<QString> titleOf(const LocalManifestRepository& repository, const 
 }
 
 // Waits on the event loop for the watch and the refresh it queues.
-bool eventually(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 1000); }
+bool eventually(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, 1000);
+}
 
 } // namespace
 
@@ -48,13 +51,20 @@ TEST(LocalManifestRepository, PicksUpAddedChangedAndRemovedManifestsWithinASecon
     ASSERT_TRUE(repository);
     EXPECT_EQ(titleOf(*repository, "com.example.one"), "One");
 
-    ASSERT_TRUE(write(folder.filePath("Nested/Deeper/com.example.two.plist"), manifest("com.example.two", "Two")));
+    ASSERT_TRUE(
+        write(folder.filePath("Nested/Deeper/com.example.two.plist"), manifest("com.example.two", "Two")));
     EXPECT_TRUE(eventually([&] { return titleOf(*repository, "com.example.two") == "Two"; }));
     EXPECT_EQ(repository->status().lastResults().value("com.example.two").status,
               UpdateResultsItem::UpdateStatuses::updated);
 
-    // Saved through a temporary file and a rename, as careful editors do.
+    // Saved through a temporary file and a rename, as careful editors do;
+    // a second later than the first version, since changes are told by date.
     ASSERT_TRUE(write(folder.filePath(".one.tmp"), manifest("com.example.one", "One, edited")));
+    QFile edited(folder.filePath(".one.tmp"));
+    ASSERT_TRUE(edited.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(
+        edited.setFileTime(QDateTime::currentDateTimeUtc().addSecs(2), QFileDevice::FileModificationTime));
+    edited.close();
     ASSERT_TRUE(QFile::remove(folder.filePath("com.example.one.plist")));
     ASSERT_TRUE(QFile::rename(folder.filePath(".one.tmp"), folder.filePath("com.example.one.plist")));
     EXPECT_TRUE(eventually([&] { return titleOf(*repository, "com.example.one") == "One, edited"; }));
@@ -70,7 +80,8 @@ TEST(LocalManifestRepository, PicksUpAddedChangedAndRemovedManifestsWithinASecon
 TEST(LocalManifestRepository, TellsAProfileManifestsCloneByItsIndex) {
     QTemporaryDir clone;
     QTemporaryDir storage;
-    ASSERT_TRUE(write(clone.filePath("Manifests/ManifestsApple/com.example.in.plist"), manifest("com.example.in", "In")));
+    ASSERT_TRUE(write(clone.filePath("Manifests/ManifestsApple/com.example.in.plist"),
+                      manifest("com.example.in", "In")));
     ASSERT_TRUE(write(clone.filePath("Elsewhere/com.example.out.plist"), manifest("com.example.out", "Out")));
     ASSERT_TRUE(write(clone.filePath("Manifests/index"), plist::Dictionary{}));
     auto repository = LocalManifestRepository::make(storage.filePath("a"), clone.path(), std::nullopt);
