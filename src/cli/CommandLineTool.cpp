@@ -1,10 +1,22 @@
 #include "cli/CommandLineTool.h"
 
+#include "cli/CheckCommand.h"
+#include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
 #include "cli/ExitCode.h"
+#include "cli/ExportPayloadCommand.h"
+#include "cli/FormatCommand.h"
+#include "cli/IdentityImportCommand.h"
+#include "cli/IdentityListCommand.h"
 #include "cli/ManifestsStandardizeCommand.h"
+#include "cli/ManifestsStatusCommand.h"
+#include "cli/ManifestsUpdateCommand.h"
+#include "cli/NewCommand.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
+#include "cli/SignCommand.h"
+#include "cli/UnsignCommand.h"
+#include "cli/VerifyCommand.h"
 #include "plist/ApplicationIdentity.h"
 
 #include <QFile>
@@ -41,8 +53,20 @@ CommandLineTool::CommandLineTool() {
     // Every command: one line each.
     add(std::make_unique<DomainsCommand>());
     add(std::make_unique<ManifestsStandardizeCommand>());
+    add(std::make_unique<ManifestsStatusCommand>());
+    add(std::make_unique<ManifestsUpdateCommand>());
     add(std::make_unique<PlistConvertCommand>());
     add(std::make_unique<PlistLintCommand>());
+    add(std::make_unique<DomainShowCommand>());
+    add(std::make_unique<NewCommand>());
+    add(std::make_unique<CheckCommand>());
+    add(std::make_unique<FormatCommand>());
+    add(std::make_unique<SignCommand>());
+    add(std::make_unique<VerifyCommand>());
+    add(std::make_unique<UnsignCommand>());
+    add(std::make_unique<ExportPayloadCommand>());
+    add(std::make_unique<IdentityImportCommand>());
+    add(std::make_unique<IdentityListCommand>());
 }
 
 QString CommandLineTool::programName() {

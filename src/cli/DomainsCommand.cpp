@@ -3,13 +3,7 @@
 #include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
-#include "plist/UserDefaults.h"
 #include "schema/PFMSupportedPlatforms.h"
-#include "shell/FactoryDefaults.h"
-#include "supply/ManifestRepository.h"
-#include "supply/ResourceFolder.h"
-
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,21 +14,6 @@ namespace {
 
 const QString kManifestsOption = QStringLiteral("--manifests");
 const QString kJsonFlag = QStringLiteral("--json");
-
-// Takes a flag out of the arguments before the options are parsed, which
-// knows only options with values; "--" still ends the options.
-bool takeFlag(QStringList& arguments, const QString& flag) {
-    bool found = false;
-    for (qsizetype i = 0; i < arguments.size() && arguments[i] != QStringLiteral("--");) {
-        if (arguments[i] == flag) {
-            arguments.removeAt(i);
-            found = true;
-        } else {
-            ++i;
-        }
-    }
-    return found;
-}
 
 QStringList platformNames(const PFMDomain& domain) {
     QStringList names;
@@ -58,12 +37,14 @@ QString DomainsCommand::summary() const {
 
 QString DomainsCommand::help() const {
     return QStringLiteral(
-        "Usage: quorlin-profile domains [--manifests DIR] [--json]\n"
+        "Usage: quorlin-profile domains [list] [--manifests DIR] [--json]\n"
+        "       quorlin-profile domains show DOMAIN [--manifests DIR] [--json]\n"
         "\n"
         "Lists the payload domains that the editor offers under the current settings:\n"
         "those of the manifest repository in force, with the domains of a user manifest\n"
         "folder in place of like-named ones. With --manifests, lists instead the domains\n"
         "that the standard-form manifests in DIR and its subfolders give.\n"
+        "\"domains show DOMAIN\" lists the keys of one domain; see its own --help.\n"
         "\n"
         "One line per domain, with tabs between: the domain (\"\" for the general settings\n"
         "of a profile), its title, its category, its number of keys and its platforms.\n"
@@ -79,17 +60,19 @@ QString DomainsCommand::help() const {
 }
 
 int DomainsCommand::run(const QStringList& arguments, CommandStreams& streams) const {
-    QStringList remaining = arguments;
-    const bool asJson = takeFlag(remaining, kJsonFlag);
-    const auto parsed = ParsedArguments::parse(remaining, {kManifestsOption});
+    const auto parsed =
+        ParsedArguments::parse(arguments, ParsedArguments::Options({kManifestsOption}, {kJsonFlag}));
     if (!parsed)
         return usageError(streams, parsed.error());
-    if (!parsed->operands().isEmpty())
-        return usageError(streams,
-                          QStringLiteral("unexpected argument '%1'").arg(parsed->operands().first()));
+    // "domains list" says the same as "domains"; "domains show" is a command of its own.
+    QStringList operands = parsed->operands();
+    if (!operands.isEmpty() && operands.first() == QStringLiteral("list"))
+        operands.removeFirst();
+    if (!operands.isEmpty())
+        return usageError(streams, QStringLiteral("unexpected argument '%1'").arg(operands.first()));
 
-    const auto folder = parsed->value(kManifestsOption);
-    const auto listing = folder ? domainsInFolder(*folder) : domainsInForce();
+    const bool asJson = parsed->hasFlag(kJsonFlag);
+    const auto listing = DomainSource::load(parsed->value(kManifestsOption));
     if (!listing) {
         streams.printError(
             QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), listing.error()));
@@ -100,33 +83,6 @@ int DomainsCommand::run(const QStringList& arguments, CommandStreams& streams) c
     else
         printText(*listing, streams);
     return ExitCode::success;
-}
-
-Expected<DomainsCommand::Listing, QString> DomainsCommand::domainsInForce() {
-    if (!ResourceFolder::locate())
-        return fail(ResourceFolder::missingMessage());
-    UserDefaults& defaults = UserDefaults::standard();
-    // The editor registers them at every start: without them, settings the
-    // user never changed would read as absent and choose another repository.
-    defaults.registerDefaults(FactoryDefaults::registeredDefaults());
-    return Listing{PFMDomainManager::shared().domains(), std::nullopt};
-}
-
-Expected<DomainsCommand::Listing, QString> DomainsCommand::domainsInFolder(const QString& folder) {
-    const QFileInfo info(folder);
-    if (!info.isDir())
-        return fail(folder + QStringLiteral(": not a folder"));
-    if (!info.isReadable() || !info.isExecutable())
-        return fail(folder + QStringLiteral(": cannot read the folder"));
-
-    const QStringList files = ManifestRepository::plistFiles(folder);
-    Listing listing;
-    for (const auto& [path, manifest] : ManifestRepository::readManifests(files)) {
-        if (auto domain = PFMDomain::make(manifest))
-            listing.domains.append(std::move(domain));
-    }
-    listing.filesWithoutDomain = files.size() - listing.domains.size();
-    return listing;
 }
 
 void DomainsCommand::printText(const Listing& listing, CommandStreams& streams) {

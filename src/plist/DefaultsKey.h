@@ -57,6 +57,8 @@ inline const QString noticeSuppressMalformedPayloadsRemoved =
 inline const QString noticeSuppressProfileInvalid = QStringLiteral("noticeSuppressProfileInvalid");
 inline const QString noticeSuppressSigningIdentityMissing =
     QStringLiteral("noticeSuppressSigningIdentityMissing");
+inline const QString noticeSuppressIOS15SilentInstallationIncompatibility =
+    QStringLiteral("noticeSuppressIOS15SilentInstallationIncompatibility");
 inline const QString noticeSuppressSavedToQuorlinLibrary =
     QStringLiteral("noticeSuppressSavedToQuorlinLibrary");
 

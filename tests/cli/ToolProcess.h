@@ -33,6 +33,8 @@ public:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder());
         environment.insert(QStringLiteral("XDG_DATA_HOME"), dataFolder());
+        // Anything that still looks below HOME, OpenSSL's defaults among them, looks here.
+        environment.insert(QStringLiteral("HOME"), path(QStringLiteral("home")));
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_folder.path());
         process.start(QDir(binaryFolder()).filePath(m_executable), arguments);

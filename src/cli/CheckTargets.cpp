@@ -1,0 +1,55 @@
+#include "cli/CheckTargets.h"
+
+#include "cli/ToolSettings.h"
+#include "schema/PFMSupportedPlatforms.h"
+
+namespace quorlin::cli {
+
+namespace {
+
+using Model = PFMSupportedPlatforms::Model;
+
+std::optional<Model> modelNamed(const QString& name) {
+    for (const Model model : PFMSupportedPlatforms::allModels) {
+        if (name.compare(PFMSupportedPlatforms::displayName(model), Qt::CaseInsensitive) == 0)
+            return model;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+CheckTargets::CheckTargets()
+    : m_settings(ToolSettings::defaults()) {
+    m_settings.setSuspendSavingToDefaults(true);
+    m_settings.resetWithoutSaving();
+}
+
+Expected<std::unique_ptr<CheckTargets>, QString> CheckTargets::make(const QStringList& platforms,
+                                                                    const std::optional<QString>& minimum,
+                                                                    const std::optional<QString>& maximum) {
+    std::unique_ptr<CheckTargets> targets(new CheckTargets());
+    ValidationSettings& settings = targets->m_settings;
+    for (const QString& list : platforms) {
+        for (const QString& name : list.split(u',', Qt::SkipEmptyParts)) {
+            const auto model = modelNamed(name.trimmed());
+            if (!model)
+                return fail(QStringLiteral("unknown platform '%1' (use %2)").arg(name, platformNames()));
+            settings.setTargeting(*model, true);
+            settings.setMinimumVersion(*model, minimum.value_or(QString()));
+            settings.setMaximumVersion(*model, maximum.value_or(QString()));
+        }
+    }
+    if ((minimum || maximum) && !settings.targetingAnyPlatform())
+        return fail(QStringLiteral("--os-min and --os-max need a platform (--platform NAME)"));
+    return targets;
+}
+
+QString CheckTargets::platformNames() {
+    QStringList names;
+    for (const Model model : PFMSupportedPlatforms::allModels)
+        names << PFMSupportedPlatforms::displayName(model);
+    return names.join(QStringLiteral(", "));
+}
+
+} // namespace quorlin::cli

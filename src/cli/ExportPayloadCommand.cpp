@@ -1,0 +1,109 @@
+#include "cli/ExportPayloadCommand.h"
+
+#include "cli/CommandLineTool.h"
+#include "cli/ExitCode.h"
+#include "cli/OutputFile.h"
+#include "cli/ParsedArguments.h"
+#include "cli/ProfileOpener.h"
+#include "plist/XmlWriter.h"
+
+namespace quorlin::cli {
+
+namespace {
+
+const QString kUuidOption = QStringLiteral("--uuid");
+const QString kOutputOption = QStringLiteral("-o");
+const QString kManifestsOption = QStringLiteral("--manifests");
+const QString kStripFlag = QStringLiteral("--strip-payload-keys");
+const QString kPayloadUUID = QStringLiteral("PayloadUUID");
+
+// The payload's dictionary as the editor exports it; unknown payloads as they were read.
+std::optional<plist::Dictionary> payloadDictionary(const Profile& profile, const QString& uuid) {
+    QList<Payload::Pointer> payloads{profile.rootPayload()};
+    payloads.append(profile.configurationPayloads());
+    for (const auto& payload : payloads) {
+        if (payload->stringValue(kPayloadUUID) == uuid)
+            return payload->writeOutDictionary();
+    }
+    for (const auto& dictionary : profile.unfamiliarPayloads()) {
+        if (dictionary.value(kPayloadUUID).toString() == uuid)
+            return dictionary;
+    }
+    return std::nullopt;
+}
+
+void stripPayloadKeys(plist::Dictionary& dictionary) {
+    for (const QString& name : dictionary.keys()) {
+        if (name.startsWith(QLatin1String("Payload")))
+            dictionary.remove(name);
+    }
+}
+
+} // namespace
+
+QString ExportPayloadCommand::summary() const {
+    return QStringLiteral("Write one payload of a profile to a property list");
+}
+
+QString ExportPayloadCommand::help() const {
+    return QStringLiteral("Usage: quorlin-profile export-payload FILE --uuid UUID -o OUT.plist\n"
+                          "                                      [--strip-payload-keys] [--manifests DIR]\n"
+                          "\n"
+                          "Opens the profile FILE as the editor does and writes the payload whose\n"
+                          "PayloadUUID is UUID, the general settings' included, to OUT as an XML\n"
+                          "property list, as the editor exports a payload.\n"
+                          "\n"
+                          "  --uuid UUID           the payload's PayloadUUID (required)\n"
+                          "  -o OUT                where to write it (required); \"-\" for standard output\n"
+                          "  --strip-payload-keys  leave out the keys whose names begin with \"Payload\",\n"
+                          "                        for a preference file\n"
+                          "  --manifests DIR       take the domains from the manifests in DIR\n"
+                          "\n"
+                          "Exit status: 0 when written, 2 for a usage error, a file that can't be opened\n"
+                          "as a profile, no payload with that UUID or an output that can't be written.");
+}
+
+int ExportPayloadCommand::run(const QStringList& arguments, CommandStreams& streams) const {
+    const auto parsed = ParsedArguments::parse(
+        arguments, ParsedArguments::Options({kUuidOption, kOutputOption, kManifestsOption}, {kStripFlag}));
+    if (!parsed)
+        return usageError(streams, parsed.error());
+    if (parsed->operands().size() != 1)
+        return usageError(streams, QStringLiteral("give exactly one file"));
+    const auto uuid = parsed->value(kUuidOption);
+    if (!uuid)
+        return usageError(streams, QStringLiteral("no payload given (--uuid UUID)"));
+    const auto output = parsed->value(kOutputOption);
+    if (!output)
+        return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
+
+    const QString input = parsed->operands().first();
+    const auto failed = [&](const QString& message) {
+        streams.printError(message);
+        return ExitCode::usageOrInputError;
+    };
+    const auto context = ProfileContext::make(parsed->value(kManifestsOption));
+    if (!context)
+        return failed(
+            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
+    const auto opened = ProfileOpener(*context).open(input);
+    if (!opened)
+        return failed(opened.error().message);
+    auto dictionary = payloadDictionary(*opened->profile, *uuid);
+    if (!dictionary)
+        return failed(QStringLiteral("%1: no payload with the UUID %2").arg(input, *uuid));
+    if (parsed->hasFlag(kStripFlag))
+        stripPayloadKeys(*dictionary);
+    const auto bytes = plist::XmlWriter::write(plist::Value(*dictionary));
+    if (!bytes)
+        return failed(input + QStringLiteral(": cannot write the payload as a property list"));
+    if (*output == QStringLiteral("-")) {
+        streams.writeOutput(*bytes);
+        return ExitCode::success;
+    }
+    if (const auto written = OutputFile::write(*output, *bytes); !written)
+        return failed(*output + QStringLiteral(": cannot write: ") + written.error());
+    return ExitCode::success;
+}
+
+} // namespace quorlin::cli

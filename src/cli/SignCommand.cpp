@@ -1,0 +1,90 @@
+#include "cli/SignCommand.h"
+
+#include "cli/CommandLineTool.h"
+#include "cli/ExitCode.h"
+#include "cli/OutputFile.h"
+#include "cli/ParsedArguments.h"
+#include "cli/ProfileOpener.h"
+#include "cli/SecretSource.h"
+
+namespace quorlin::cli {
+
+namespace {
+
+const QString kIdentityOption = QStringLiteral("--identity");
+const QString kOutputOption = QStringLiteral("-o");
+const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
+const QString kManifestsOption = QStringLiteral("--manifests");
+
+} // namespace
+
+QString SignCommand::summary() const {
+    return QStringLiteral("Sign a profile with one of your identities");
+}
+
+QString SignCommand::help() const {
+    return QStringLiteral("Usage: quorlin-profile sign FILE --identity NAME -o OUT [--passphrase-file FILE]\n"
+                          "                            [--manifests DIR]\n"
+                          "\n"
+                          "Signs the profile FILE with the identity whose certificate has the common\n"
+                          "name NAME (see \"identity list\") and writes it to OUT as a CMS signed message\n"
+                          "(DER) with the certificate chain up to its root, as the editor saves a signed\n"
+                          "profile. FILE must open as a profile; its property list is signed exactly as\n"
+                          "it is (run \"format\" first for the editor's form). A FILE that is signed\n"
+                          "already is signed afresh over its content. The key's passphrase is asked\n"
+                          "at the terminal.\n"
+                          "\n"
+                          "  --identity NAME        the signing identity (required)\n"
+                          "  -o OUT                 where to write the signed profile (required)\n"
+                          "  --passphrase-file FILE read the key's passphrase from the first line of FILE\n"
+                          "  --manifests DIR        take the domains from the manifests in DIR\n"
+                          "\n"
+                          "Exit status: 0 when signed, 2 for a usage error, a file that can't be opened\n"
+                          "as a profile, an unknown identity, a wrong passphrase or an output that can't\n"
+                          "be written.");
+}
+
+int SignCommand::run(const QStringList& arguments, CommandStreams& streams) const {
+    const auto parsed = ParsedArguments::parse(
+        arguments, {kIdentityOption, kOutputOption, kPassphraseFileOption, kManifestsOption});
+    if (!parsed)
+        return usageError(streams, parsed.error());
+    if (parsed->operands().size() != 1)
+        return usageError(streams, QStringLiteral("give exactly one file"));
+    const auto identityName = parsed->value(kIdentityOption);
+    if (!identityName)
+        return usageError(streams, QStringLiteral("no identity given (--identity NAME)"));
+    const auto output = parsed->value(kOutputOption);
+    if (!output)
+        return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
+
+    const QString input = parsed->operands().first();
+    const auto failed = [&](const QString& message) {
+        streams.printError(message);
+        return ExitCode::usageOrInputError;
+    };
+    SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
+    const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
+    if (!context)
+        return failed(
+            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
+    const auto opened = ProfileOpener(*context).open(input);
+    if (!opened)
+        return failed(opened.error().message);
+    const auto identity = context->signing.identityNamed(*identityName);
+    if (!identity)
+        return failed(
+            QStringLiteral("%1: no signing identity named “%2” (see 'quorlin-profile identity list')")
+                .arg(input, *identityName));
+    const auto message = context->signing.encodeSignedMessage(opened->content, *identity);
+    if (!message) {
+        const QString reason =
+            passphrases.lastError().value_or(QStringLiteral("wrong passphrase or unreadable key"));
+        return failed(QStringLiteral("%1: cannot sign with “%2”: %3").arg(input, *identityName, reason));
+    }
+    if (const auto written = OutputFile::write(*output, *message); !written)
+        return failed(*output + QStringLiteral(": cannot write: ") + written.error());
+    return ExitCode::success;
+}
+
+} // namespace quorlin::cli

@@ -1,0 +1,101 @@
+#include "cli/VerifyCommand.h"
+
+#include "cli/ExitCode.h"
+#include "cli/InputFile.h"
+#include "cli/ParsedArguments.h"
+#include "documents/SigningServices.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace quorlin::cli {
+
+namespace {
+
+const QString kJsonFlag = QStringLiteral("--json");
+
+bool isSound(const SignerVerification& signer) {
+    return signer.isSignatureIntact && signer.isChainTrusted && !signer.isExpired;
+}
+
+QString signerLine(const QString& path, const SignerVerification& signer) {
+    const QString name = signer.commonName.isEmpty() ? SigningServices::unknownName() : signer.commonName;
+    return QStringLiteral("%1: signed by “%2”: signature %3, chain %4, certificate %5")
+        .arg(path, name, signer.isSignatureIntact ? QStringLiteral("intact") : QStringLiteral("broken"),
+             signer.isChainTrusted ? QStringLiteral("trusted") : QStringLiteral("untrusted"),
+             signer.isExpired ? QStringLiteral("expired") : QStringLiteral("valid"));
+}
+
+QJsonObject signerJson(const SignerVerification& signer) {
+    return QJsonObject{{QStringLiteral("commonName"), signer.commonName},
+                       {QStringLiteral("signatureIntact"), signer.isSignatureIntact},
+                       {QStringLiteral("chainTrusted"), signer.isChainTrusted},
+                       {QStringLiteral("expired"), signer.isExpired}};
+}
+
+} // namespace
+
+QString VerifyCommand::summary() const {
+    return QStringLiteral("Show who signed profiles and whether the signatures hold");
+}
+
+QString VerifyCommand::help() const {
+    return QStringLiteral("Usage: quorlin-profile verify FILE... [--json]\n"
+                          "\n"
+                          "For each signer of each signed profile prints one line: \"FILE: signed by\n"
+                          "“NAME”: signature intact|broken, chain trusted|untrusted, certificate\n"
+                          "valid|expired\". The chain is trusted when it leads to a root of the system's\n"
+                          "store or to one of your anchors. A file that is not signed prints \"FILE:\n"
+                          "not signed\".\n"
+                          "\n"
+                          "  --json  print a JSON array instead, one object per file with file, signed,\n"
+                          "          and signers (commonName, signatureIntact, chainTrusted, expired)\n"
+                          "\n"
+                          "Exit status: 0 when every file is signed and every signature is intact, by a\n"
+                          "trusted certificate that hasn't expired; 1 otherwise; 2 for a usage error or\n"
+                          "a file that can't be read (the others are still verified).");
+}
+
+int VerifyCommand::run(const QStringList& arguments, CommandStreams& streams) const {
+    const auto parsed = ParsedArguments::parse(arguments, ParsedArguments::Options({}, {kJsonFlag}));
+    if (!parsed)
+        return usageError(streams, parsed.error());
+    if (parsed->operands().isEmpty())
+        return usageError(streams, QStringLiteral("no file given"));
+
+    const bool asJson = parsed->hasFlag(kJsonFlag);
+    const SigningServices signing;
+    bool anyUnreadable = false;
+    bool anyProblem = false;
+    QJsonArray files;
+    for (const QString& path : parsed->operands()) {
+        const auto bytes = InputFile::read(path);
+        if (!bytes) {
+            streams.printError(bytes.error().message);
+            anyUnreadable = true;
+            continue;
+        }
+        const auto message = signing.decodeSignedMessage(*bytes);
+        QJsonArray signers;
+        if (!message && !asJson)
+            streams.print(path + QStringLiteral(": not signed"));
+        for (const SignerVerification& signer : message ? message->signers : QList<SignerVerification>{}) {
+            anyProblem |= !isSound(signer);
+            signers.append(signerJson(signer));
+            if (!asJson)
+                streams.print(signerLine(path, signer));
+        }
+        anyProblem |= !message;
+        files.append(QJsonObject{{QStringLiteral("file"), path},
+                                 {QStringLiteral("signed"), message.has_value()},
+                                 {QStringLiteral("signers"), signers}});
+    }
+    if (asJson)
+        streams.writeOutput(QJsonDocument(files).toJson(QJsonDocument::Indented));
+    if (anyUnreadable)
+        return ExitCode::usageOrInputError;
+    return anyProblem ? ExitCode::findings : ExitCode::success;
+}
+
+} // namespace quorlin::cli

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "documents/DocumentError.h"
+
+#include <QString>
+
+namespace quorlin {
+
+// Every text that the document shows: the words of refused files and of
+// failed saves, and the notices. Kept in one place so that the editor and the
+// command-line tool say the same.
+namespace DocumentErrorWords {
+
+// The words of an error as the user reads them; refusals name the file when
+// one is known.
+QString describe(const QString& domain, int code, const std::optional<QString>& filePath);
+
+inline const QString profileServicePayload =
+    QStringLiteral("The document “%1” is a profile service payload and not a configuration profile.");
+inline const QString profileServicePayloadAnonymous =
+    QStringLiteral("The document that you are trying to open is a profile service payload and not a "
+                   "configuration profile.");
+inline const QString enrollmentServicePayload =
+    QStringLiteral("The document “%1” is an MDM enrollment profile and not a configuration profile.");
+inline const QString enrollmentServicePayloadAnonymous =
+    QStringLiteral("The document that you are trying to open is an MDM enrollment profile and not a "
+                   "configuration profile.");
+inline const QString cannotRead =
+    QStringLiteral("The document could not be opened because it is not a readable configuration profile.");
+inline const QString cannotProduceData = QStringLiteral("The document could not be saved.");
+inline const QString saveInterrupted =
+    QStringLiteral("The save was stopped before it completed; the file was left as it was.");
+
+inline const QString signingIdentityMissingTitle = QStringLiteral("Signing Identity Missing");
+inline const QString signingIdentityMissingInfo =
+    QStringLiteral("The original identity(ies) used to sign this profile is(are) not available on this "
+                   "computer.\n\nTo sign the profile when saving, select an available profile signing "
+                   "identity in the General settings section.");
+inline const QString malformedPayloadContentRemovedTitle = QStringLiteral("Malformed Payload(s)");
+inline const QString malformedPayloadContentRemovedInfo =
+    QStringLiteral("The opened profile contains malformed payload(s) which will not be written back to "
+                   "file on save.");
+inline const QString iOS15SilentInstallIncompatibilityTitle = QStringLiteral("Fix Profile Incompatibility?");
+inline const QString iOS15SilentInstallIncompatibilityInfo =
+    QStringLiteral("Requirements introduced by Apple in late 2021 make this profile incompatible for silent "
+                   "installation.");
+inline const QString profileInvalidOnSaveTitle = QStringLiteral("Profile May Fail Installation");
+inline const QString profileInvalidOnSaveInfo =
+    QStringLiteral("The profile contains one property with an invalid value (affected section is marked "
+                   "with a red badge).\n\nInvalid values can cause the profile to fail installation on "
+                   "device.");
+// %1 is the count of invalid values.
+inline const QString profileInvalidPluralInfo =
+    QStringLiteral("The profile contains %1 properties with invalid values (affected sections are marked "
+                   "with a red badge).\n\nInvalid values can cause the profile to fail installation on "
+                   "device.");
+inline const QString doNotShowAgain = QStringLiteral("Do not show this notice again");
+
+inline const QString okReply = QStringLiteral("OK");
+inline const QString fixAndSaveReply = QStringLiteral("Fix and Save");
+inline const QString dismissReply = QStringLiteral("Dismiss");
+inline const QString saveReply = QStringLiteral("Continue with Saving");
+inline const QString cancelReply = QStringLiteral("Cancel");
+
+} // namespace DocumentErrorWords
+
+} // namespace quorlin
