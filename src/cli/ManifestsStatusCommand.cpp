@@ -34,14 +34,17 @@ struct RepositoryState {
 
 RepositoryState bundledState(const ResourceFolder& resources) {
     return RepositoryState{QStringLiteral("bundled"), resources.manifestsDirectory(), std::nullopt,
-                           ManifestRepository::plistFiles(resources.manifestsDirectory()).size(), std::nullopt};
+                           ManifestRepository::plistFiles(resources.manifestsDirectory()).size(),
+                           std::nullopt};
 }
 
 void readStore(RepositoryState& state) {
     if (!state.store)
         return;
-    state.manifestCount = ManifestRepository::plistFiles(QDir(*state.store).filePath(QStringLiteral("standardized"))).size();
-    if (const auto stored = StoreFile::read(QDir(*state.store).filePath(QStringLiteral("last-updates.plist"))))
+    state.manifestCount =
+        ManifestRepository::plistFiles(QDir(*state.store).filePath(QStringLiteral("standardized"))).size();
+    if (const auto stored =
+            StoreFile::read(QDir(*state.store).filePath(QStringLiteral("last-updates.plist"))))
         state.lastUpdates = LastUpdates::decoded(*stored);
 }
 
@@ -49,12 +52,13 @@ RepositoryState currentState(const UserDefaults& defaults, const ResourceFolder&
     const auto type = defaults.string(DefaultsKey::manifestRepositoryType);
     RepositoryState state;
     if (type == DefaultsValue::repositoryTypeOnline) {
-        const QString address = defaults.string(DefaultsKey::onlineManifestRepositoryAddress).value_or(QString());
-        const QString branch =
-            defaults.string(DefaultsKey::onlineManifestRepositoryBranchName).value_or(QStringLiteral("master"));
+        const QString address =
+            defaults.string(DefaultsKey::onlineManifestRepositoryAddress).value_or(QString());
+        const QString branch = defaults.string(DefaultsKey::onlineManifestRepositoryBranchName)
+                                   .value_or(QStringLiteral("master"));
         state = RepositoryState{QStringLiteral("online"), address + QStringLiteral(" (") + branch + u')',
-                                RepositoryStorePaths::storageDirectoryForRepositoryAddress(address, branch), 0,
-                                std::nullopt};
+                                RepositoryStorePaths::storageDirectoryForRepositoryAddress(address, branch),
+                                0, std::nullopt};
     } else if (type == DefaultsValue::repositoryTypeLocal) {
         const auto bookmark = defaults.data(DefaultsKey::localRepositoryPathBookmark);
         const auto resolution = bookmark ? FolderBookmark::open(*bookmark) : FolderBookmark::Resolution{};
@@ -79,7 +83,8 @@ QJsonObject json(const RepositoryState& state) {
         for (const UpdateResultsItem& item : state.lastUpdates->updateResultsItems)
             items.append(QJsonObject{{QStringLiteral("domain"), item.domain},
                                      {QStringLiteral("status"), UpdateResultsItem::rawValue(item.status)}});
-        object.insert(QStringLiteral("lastUpdate"), state.lastUpdates->updateTime.toDateTime().toString(Qt::ISODate));
+        object.insert(QStringLiteral("lastUpdate"),
+                      state.lastUpdates->updateTime.toDateTime().toString(Qt::ISODate));
         object.insert(QStringLiteral("lastUpdateItems"), items);
     }
     return object;
@@ -92,18 +97,17 @@ QString ManifestsStatusCommand::summary() const {
 }
 
 QString ManifestsStatusCommand::help() const {
-    return QStringLiteral(
-        "Usage: quorlin-profile manifests status [--json]\n"
-        "\n"
-        "Shows the manifest repository of the editor's settings (online, local or\n"
-        "bundled), where its store lies, how many standard-form manifests it holds, and\n"
-        "the domains the last update changed. Reads the disk only: nothing is checked or\n"
-        "downloaded (see \"manifests update\").\n"
-        "\n"
-        "  --json  print a JSON object instead: type, source, store, manifests,\n"
-        "          lastUpdate and lastUpdateItems\n"
-        "\n"
-        "Exit status: 0 when shown, 2 for a usage error or missing resources.");
+    return QStringLiteral("Usage: quorlin-profile manifests status [--json]\n"
+                          "\n"
+                          "Shows the manifest repository of the editor's settings (online, local or\n"
+                          "bundled), where its store lies, how many standard-form manifests it holds, and\n"
+                          "the domains the last update changed. Reads the disk only: nothing is checked or\n"
+                          "downloaded (see \"manifests update\").\n"
+                          "\n"
+                          "  --json  print a JSON object instead: type, source, store, manifests,\n"
+                          "          lastUpdate and lastUpdateItems\n"
+                          "\n"
+                          "Exit status: 0 when shown, 2 for a usage error or missing resources.");
 }
 
 int ManifestsStatusCommand::run(const QStringList& arguments, CommandStreams& streams) const {
@@ -111,7 +115,8 @@ int ManifestsStatusCommand::run(const QStringList& arguments, CommandStreams& st
     if (!parsed)
         return usageError(streams, parsed.error());
     if (!parsed->operands().isEmpty())
-        return usageError(streams, QStringLiteral("unexpected argument '%1'").arg(parsed->operands().first()));
+        return usageError(streams,
+                          QStringLiteral("unexpected argument '%1'").arg(parsed->operands().first()));
     const auto resources = ResourceFolder::locate();
     if (!resources) {
         streams.printError(ResourceFolder::missingMessage());
@@ -127,9 +132,11 @@ int ManifestsStatusCommand::run(const QStringList& arguments, CommandStreams& st
         streams.print(QStringLiteral("Store:\t%1").arg(*state.store));
     streams.print(QStringLiteral("Manifests:\t%1").arg(state.manifestCount));
     if (state.lastUpdates) {
-        streams.print(QStringLiteral("Last update:\t%1").arg(state.lastUpdates->updateTime.toDateTime().toString(Qt::ISODate)));
+        streams.print(QStringLiteral("Last update:\t%1")
+                          .arg(state.lastUpdates->updateTime.toDateTime().toString(Qt::ISODate)));
         for (const UpdateResultsItem& item : state.lastUpdates->updateResultsItems)
-            streams.print(QStringLiteral("\t%1\t%2").arg(UpdateResultsItem::rawValue(item.status), item.domain));
+            streams.print(
+                QStringLiteral("\t%1\t%2").arg(UpdateResultsItem::rawValue(item.status), item.domain));
     }
     return ExitCode::success;
 }
