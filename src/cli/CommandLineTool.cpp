@@ -8,6 +8,9 @@
 #include "cli/FormatCommand.h"
 #include "cli/IdentityImportCommand.h"
 #include "cli/IdentityListCommand.h"
+#include "cli/ManifestsStandardizeCommand.h"
+#include "cli/ManifestsStatusCommand.h"
+#include "cli/ManifestsUpdateCommand.h"
 #include "cli/NewCommand.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
@@ -49,6 +52,9 @@ qsizetype wordCount(const Command& command) {
 CommandLineTool::CommandLineTool() {
     // Every command: one line each.
     add(std::make_unique<DomainsCommand>());
+    add(std::make_unique<ManifestsStandardizeCommand>());
+    add(std::make_unique<ManifestsStatusCommand>());
+    add(std::make_unique<ManifestsUpdateCommand>());
     add(std::make_unique<PlistConvertCommand>());
     add(std::make_unique<PlistLintCommand>());
     add(std::make_unique<DomainShowCommand>());

@@ -4,7 +4,8 @@
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "supply/FolderBookmark.h"
-#include "supply/FolderManifestRepository.h"
+#include "supply/GitHubManifestRepository.h"
+#include "supply/LocalManifestRepository.h"
 #include "supply/RepositoryStorePaths.h"
 #include "supply/StaleStoreRemover.h"
 
@@ -36,7 +37,7 @@ PFMDomainManager::PFMDomainManager(UserDefaults& defaults, ResourceFolder resour
     , m_bundledManifestRepository(
           std::make_shared<BundledManifestRepository>(m_resources.manifestsDirectory()))
     , m_mainManifestRepository(m_bundledManifestRepository) {
-    adopt(loadRepositoriesFromSettings(m_defaults));
+    adopt(loadRepositoriesFromSettings(m_defaults, defaultStandardizationSettings()));
     reloadDomains();
     removeStaleStores();
 }
@@ -48,29 +49,34 @@ PFMDomainManager& PFMDomainManager::shared() {
     return instance;
 }
 
-LoadedRepositories PFMDomainManager::loadRepositoriesFromSettings(const UserDefaults& defaults) {
+LoadedRepositories PFMDomainManager::loadRepositoriesFromSettings(const UserDefaults& defaults,
+                                                                  const StandardizationSettings& settings) {
     LoadedRepositories loaded;
     const auto type = defaults.string(Key::manifestRepositoryType);
     if (type == DefaultsValue::repositoryTypeOnline)
-        loadOnlineRepository(defaults, loaded);
+        loadOnlineRepository(defaults, settings, loaded);
     else if (type == DefaultsValue::repositoryTypeLocal)
-        loadLocalRepository(defaults, loaded);
+        loadLocalRepository(defaults, settings, loaded);
     return loaded;
 }
 
-void PFMDomainManager::loadOnlineRepository(const UserDefaults& defaults, LoadedRepositories& loaded) {
+void PFMDomainManager::loadOnlineRepository(const UserDefaults& defaults,
+                                            const StandardizationSettings& settings,
+                                            LoadedRepositories& loaded) {
     const auto address = defaults.string(Key::onlineManifestRepositoryAddress);
     if (!address || !RepositoryStorePaths::addressIsValid(*address))
         return;
     const QString branch = defaults.string(Key::onlineManifestRepositoryBranchName).value_or(kDefaultBranch);
-    if (const auto store = storageDirectoryForRepositoryAddress(*address, branch))
+    if (const auto store = storageDirectoryForRepositoryAddress(*address, branch)) {
         loaded.online = LoadedRepositories::Online{*address, branch, *store};
-    // No repository reads an online store yet, so the main slot stays empty
-    // and the bundled set serves, as it does while a new store has nothing.
-    loadUserManifestFolder(defaults, loaded);
+        loaded.mainRepository = GitHubManifestRepository::make(*store, *address, branch, settings);
+    }
+    loadUserManifestFolder(defaults, settings, loaded);
 }
 
-void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults, LoadedRepositories& loaded) {
+void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults,
+                                              const StandardizationSettings& settings,
+                                              LoadedRepositories& loaded) {
     const auto data = defaults.data(Key::userManifestFolderBookmark);
     if (!data)
         return;
@@ -82,12 +88,15 @@ void PFMDomainManager::loadUserManifestFolder(const UserDefaults& defaults, Load
             Errors{Errors::Kind::overrideManifestRepositoryDirectoryNoLongerAvailable, opened->error().path});
         return;
     }
-    const QString folder = (*opened)->folder;
-    loaded.overrideRepository = std::make_shared<FolderManifestRepository>(folder);
-    loaded.bookmarks.append(folder);
+    const auto& [folder, store] = **opened;
+    loaded.overrideRepository = LocalManifestRepository::make(store, folder, settings);
+    if (loaded.overrideRepository)
+        loaded.bookmarks.append(folder);
 }
 
-void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults, LoadedRepositories& loaded) {
+void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults,
+                                           const StandardizationSettings& settings,
+                                           LoadedRepositories& loaded) {
     const auto data = defaults.data(Key::localRepositoryPathBookmark);
     if (!data)
         return;
@@ -98,11 +107,12 @@ void PFMDomainManager::loadLocalRepository(const UserDefaults& defaults, LoadedR
         loaded.errors.append(opened->error());
         return;
     }
-    // No repository standardizes a local folder into its store yet, so the
-    // main slot stays empty and the bundled set serves, as it does for a
-    // local repository that can't be made. The user folder never applies
-    // here: it overrides only an online repository.
+    // The user folder never applies here: it overrides only an online repository.
     loaded.local = **opened;
+    loaded.mainRepository =
+        LocalManifestRepository::make(loaded.local->storageDirectory, loaded.local->folder, settings);
+    if (loaded.mainRepository)
+        loaded.bookmarks.append(loaded.local->folder);
 }
 
 std::optional<Expected<LoadedRepositories::LocalFolder, PFMDomainManager::Errors>>
@@ -129,8 +139,45 @@ PFMDomainManager::openBookmark(const QByteArray& data) {
 }
 
 void PFMDomainManager::reloadRepositories() {
-    adopt(loadRepositoriesFromSettings(m_defaults));
+    adopt(loadRepositoriesFromSettings(m_defaults, defaultStandardizationSettings()));
     reloadDomains();
+}
+
+void PFMDomainManager::lineUpRepositoryFromSettings() {
+    if (m_defaults.string(Key::manifestRepositoryType) != DefaultsValue::repositoryTypeLocal)
+        return;
+    const auto data = m_defaults.data(Key::localRepositoryPathBookmark);
+    if (!data)
+        return;
+    const FolderBookmark::Resolution resolution = FolderBookmark::open(*data);
+    if (resolution.state != FolderBookmark::State::available)
+        return;
+    const QString folder = UpdatingManifestRepository::canonicalPath(resolution.folder);
+    const auto sameFolder = [&folder](const std::shared_ptr<ManifestRepository>& repository) {
+        const auto* local = dynamic_cast<const LocalManifestRepository*>(repository.get());
+        return local && local->originalManifestsDirectory() == folder;
+    };
+    if (sameFolder(m_mainManifestRepository))
+        return;
+    if (sameFolder(m_overrideManifestRepository)) {
+        m_linedUpManifestRepository =
+            std::dynamic_pointer_cast<UpdatingManifestRepository>(m_overrideManifestRepository);
+        return;
+    }
+    const auto store = storageDirectoryForLocalFolder(resolution.folder);
+    if (!store)
+        return;
+    if (auto repository =
+            LocalManifestRepository::make(*store, resolution.folder, defaultStandardizationSettings())) {
+        m_linedUpManifestRepository = std::move(repository);
+        m_accessedSecurityBookmarks.append(resolution.folder);
+        observeRepositories();
+    }
+}
+
+void PFMDomainManager::setWindowsShouldIndicateOnlineUpdates(bool indicate) {
+    m_windowsShouldIndicateOnlineUpdates = indicate;
+    updateAreUpdatesAvailable();
 }
 
 void PFMDomainManager::adopt(LoadedRepositories loaded) {
@@ -142,9 +189,24 @@ void PFMDomainManager::adopt(LoadedRepositories loaded) {
     m_accessedSecurityBookmarks = std::move(loaded.bookmarks);
 }
 
+UpdatingManifestRepository*
+PFMDomainManager::updating(const std::shared_ptr<ManifestRepository>& repository) {
+    return dynamic_cast<UpdatingManifestRepository*>(repository.get());
+}
+
 void PFMDomainManager::reloadDomains() {
-    if (m_mainManifestRepository->standardizedManifests().isEmpty())
+    m_linedUpManifestRepository.reset();
+    // A repository with nothing yet (a new online store before its first
+    // download) waits in line while the bundled set serves.
+    if (m_mainManifestRepository->standardizedManifests().isEmpty()) {
+        m_linedUpManifestRepository =
+            std::dynamic_pointer_cast<UpdatingManifestRepository>(m_mainManifestRepository);
         m_mainManifestRepository = m_bundledManifestRepository;
+    }
+    if (auto* main = updating(m_mainManifestRepository))
+        main->status().setLastResults({});
+    if (auto* override = updating(m_overrideManifestRepository))
+        override->status().setLastResults({});
 
     DomainList domains;
     for (const plist::Dictionary& manifest : m_mainManifestRepository->standardizedManifests()) {
@@ -164,13 +226,43 @@ void PFMDomainManager::reloadDomains() {
     }
     m_domains = std::move(domains);
     Q_EMIT domainsChanged();
+    observeRepositories();
     updateAreUpdatesAvailable();
 }
 
+void PFMDomainManager::observeRepositories() {
+    for (const auto& connection : std::exchange(m_repositoryObservations, {}))
+        QObject::disconnect(connection);
+    UpdatingManifestRepository* watched =
+        m_linedUpManifestRepository ? m_linedUpManifestRepository.get() : updating(m_mainManifestRepository);
+    for (UpdatingManifestRepository* repository : {watched, updating(m_overrideManifestRepository)}) {
+        if (repository)
+            m_repositoryObservations.append(connect(&repository->status(),
+                                                    &UpdatingRepositoryStatus::isCheckingForUpdatesChanged,
+                                                    this, &PFMDomainManager::updateAreUpdatesAvailable));
+    }
+}
+
 void PFMDomainManager::updateAreUpdatesAvailable() {
-    // Updates are results that a repository fetching on its own holds back
-    // until a reload; the bundled set and a folder read in place have none.
-    setAreUpdatesAvailable(false);
+    if (auto* override = updating(m_overrideManifestRepository);
+        override && !override->status().lastResults().isEmpty()) {
+        setAreUpdatesAvailable(true);
+        return;
+    }
+    UpdatingManifestRepository* repository =
+        m_linedUpManifestRepository ? m_linedUpManifestRepository.get() : updating(m_mainManifestRepository);
+    if (!repository || repository->status().lastResults().isEmpty()) {
+        setAreUpdatesAvailable(false);
+        return;
+    }
+    if (dynamic_cast<LocalManifestRepository*>(repository)) {
+        setAreUpdatesAvailable(true);
+        return;
+    }
+    // An online check runs at every start; its results are news only once
+    // the user has touched the repository settings.
+    setAreUpdatesAvailable(dynamic_cast<GitHubManifestRepository*>(repository) &&
+                           m_windowsShouldIndicateOnlineUpdates);
 }
 
 void PFMDomainManager::setAreUpdatesAvailable(bool areUpdatesAvailable) {
@@ -224,7 +316,8 @@ std::optional<QString> PFMDomainManager::storageDirectoryForLocalFolder(const QS
 
 void PFMDomainManager::removeStaleStores() {
     QStringList kept;
-    for (const auto& repository : {m_mainManifestRepository, m_overrideManifestRepository}) {
+    const std::shared_ptr<ManifestRepository> linedUp = m_linedUpManifestRepository;
+    for (const auto& repository : {m_mainManifestRepository, m_overrideManifestRepository, linedUp}) {
         if (!repository)
             continue;
         if (const auto store = repository->localStorageRootDirectory())
@@ -239,12 +332,17 @@ void PFMDomainManager::removeStaleStores() {
 }
 
 StandardizationSettings PFMDomainManager::defaultStandardizationSettings() const {
+    return standardizationSettings(m_defaults, m_resources);
+}
+
+StandardizationSettings PFMDomainManager::standardizationSettings(const UserDefaults& defaults,
+                                                                  const ResourceFolder& resources) {
     StandardizationSettings settings;
     settings.hidePayloadTopLevelKeys = true;
     settings.sortOrder = defaultSortOrder();
     settings.scrubThirdPartyPlaceholders = true;
-    if (m_defaults.boolean(Key::maximizeNonStandardManifestCompatibility).value_or(false))
-        settings.supportSearchDirectory = m_resources.manifestSupportDirectory();
+    if (defaults.boolean(Key::maximizeNonStandardManifestCompatibility).value_or(false))
+        settings.supportSearchDirectory = resources.manifestSupportDirectory();
     settings.supportVersion = ApplicationIdentity::shortVersionString();
     return settings;
 }

@@ -9,6 +9,7 @@
 #include "supply/ManifestRepository.h"
 #include "supply/ResourceFolder.h"
 #include "supply/StandardizationSettings.h"
+#include "supply/UpdatingManifestRepository.h"
 
 #include <QByteArray>
 #include <QList>
@@ -46,14 +47,22 @@ public:
     // program can't work at all, and the process ends with a message.
     static PFMDomainManager& shared();
 
-    // Reads the settings into repositories without touching any manager.
-    static LoadedRepositories loadRepositoriesFromSettings(const UserDefaults& defaults);
+    // Reads the settings into repositories without touching any manager;
+    // updating repositories are made with the given standardization.
+    static LoadedRepositories loadRepositoriesFromSettings(const UserDefaults& defaults,
+                                                           const StandardizationSettings& settings);
 
     // Reads the settings again, puts their repositories in force and reloads the domains.
     void reloadRepositories();
     // Rebuilds the domains from the repositories in force.
     void reloadDomains();
     void updateAreUpdatesAvailable();
+    // After the user changed the local repository but chose not to reload:
+    // prepares the new repository, leaving the domains as they are.
+    void lineUpRepositoryFromSettings();
+    // Set by every change of the repository settings; until then an online
+    // repository's results are not offered as updates.
+    void setWindowsShouldIndicateOnlineUpdates(bool indicate);
 
     // In the main repository's order, with the user folder's domains at the end.
     const DomainList& domains() const { return m_domains; }
@@ -74,6 +83,11 @@ public:
     const ManifestRepository* overrideManifestRepository() const {
         return m_overrideManifestRepository.get();
     }
+    // Ready but not yet in force: the configured repository while it has no
+    // manifests, or one prepared after a settings change.
+    UpdatingManifestRepository* linedUpManifestRepository() const {
+        return m_linedUpManifestRepository.get();
+    }
     const ResourceFolder& resourceFolder() const { return m_resources; }
 
     static std::optional<QString> gitHubStorageRoot();
@@ -83,6 +97,10 @@ public:
     static std::optional<QString> storageDirectoryForLocalFolder(const QString& folder);
 
     StandardizationSettings defaultStandardizationSettings() const;
+    // The same for any settings and resources, so a store made by the
+    // command-line tool matches the one the editor expects.
+    static StandardizationSettings standardizationSettings(const UserDefaults& defaults,
+                                                           const ResourceFolder& resources);
     // The positions of the domains in the section list, the general one first.
     static QStringList defaultSortOrder();
 
@@ -91,15 +109,20 @@ Q_SIGNALS:
     void areUpdatesAvailableChanged(bool areUpdatesAvailable);
 
 private:
-    static void loadOnlineRepository(const UserDefaults& defaults, LoadedRepositories& loaded);
-    static void loadUserManifestFolder(const UserDefaults& defaults, LoadedRepositories& loaded);
-    static void loadLocalRepository(const UserDefaults& defaults, LoadedRepositories& loaded);
+    static void loadOnlineRepository(const UserDefaults& defaults, const StandardizationSettings& settings,
+                                     LoadedRepositories& loaded);
+    static void loadUserManifestFolder(const UserDefaults& defaults, const StandardizationSettings& settings,
+                                       LoadedRepositories& loaded);
+    static void loadLocalRepository(const UserDefaults& defaults, const StandardizationSettings& settings,
+                                    LoadedRepositories& loaded);
     // The folder and its store, or the error that the bookmark gives; nothing
     // at all for a folder that is simply gone.
     static std::optional<Expected<LoadedRepositories::LocalFolder, Errors>>
     openBookmark(const QByteArray& data);
 
     void adopt(LoadedRepositories loaded);
+    void observeRepositories();
+    static UpdatingManifestRepository* updating(const std::shared_ptr<ManifestRepository>& repository);
     void setAreUpdatesAvailable(bool areUpdatesAvailable);
     void removeStaleStores();
     const DomainIcon& defaultIcon();
@@ -111,7 +134,10 @@ private:
     const std::shared_ptr<BundledManifestRepository> m_bundledManifestRepository;
     std::shared_ptr<ManifestRepository> m_mainManifestRepository;
     std::shared_ptr<ManifestRepository> m_overrideManifestRepository;
+    std::shared_ptr<UpdatingManifestRepository> m_linedUpManifestRepository;
+    QList<QMetaObject::Connection> m_repositoryObservations;
     bool m_areUpdatesAvailable = false;
+    bool m_windowsShouldIndicateOnlineUpdates = false;
     QList<Errors> m_repositoryErrors;
     std::optional<DomainIcon> m_defaultIcon;
 };

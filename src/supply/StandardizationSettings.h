@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plist/Value.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -14,7 +16,8 @@ struct StandardizationSettings {
     // Hides the payload's common keys in every domain but the general one.
     bool hidePayloadTopLevelKeys = false;
     // Positions of domains in the section list; one entry may hold several
-    // domains separated by ", ", which then share a position.
+    // domains separated by ", ", which then share a position. An empty list
+    // gives no domain a position, which is all that an absent one would do.
     QStringList sortOrder;
     bool scrubThirdPartyPlaceholders = false;
     std::optional<QStringList> iconSearchDirectories;
@@ -24,6 +27,12 @@ struct StandardizationSettings {
     QString supportVersion;
 
     friend bool operator==(const StandardizationSettings&, const StandardizationSettings&) = default;
+
+    // The dictionary kept in a store's "standardization-settings.plist".
+    plist::Dictionary encoded() const;
+    // Nothing when a field has the wrong class or the booleans are missing:
+    // a store whose settings can't be read is standardized anew.
+    static std::optional<StandardizationSettings> decoded(const plist::Value& value);
 };
 
 } // namespace quorlin

@@ -1,7 +1,7 @@
 #include "SupplyFixtures.h"
 
 #include "schema/SchemaTrees.h"
-#include "supply/FolderManifestRepository.h"
+#include "supply/BundledManifestRepository.h"
 #include "supply/ManifestRepository.h"
 
 #include <QTemporaryDir>
@@ -88,7 +88,7 @@ TEST_F(ManifestRepositoryTest, ReloadingReadsEveryManifestBelowTheDirectoryInLis
 }
 
 TEST_F(ManifestRepositoryTest, FindsTheFirstManifestOfADomainTheEmptyOneIncluded) {
-    FolderManifestRepository repository(path());
+    BundledManifestRepository repository(path());
     EXPECT_EQ(repository.manifest("")->string("pfm_title"), QStringLiteral("Profile Basics"));
     EXPECT_EQ(repository.manifest("com.example.mail")->string("pfm_title"), QStringLiteral("Mail Account"));
     EXPECT_FALSE(repository.manifest("com.example.hidden"));
@@ -103,7 +103,7 @@ TEST_F(ManifestRepositoryTest, FindsTheFirstManifestOfADomainTheEmptyOneIncluded
 }
 
 TEST_F(ManifestRepositoryTest, AnIncrementalReloadReplacesTheDomainsOfTheFilesItReads) {
-    FolderManifestRepository repository(path());
+    BundledManifestRepository repository(path());
     ASSERT_EQ(repository.standardizedManifests().size(), 5);
 
     // A changed domain leaves its place and goes to the end; a new one is added.

@@ -6,8 +6,13 @@
 #include "schema/SchemaTrees.h"
 #include "shell/IsolatedHome.h"
 #include "supply/FolderBookmark.h"
+#include "supply/GitHubManifestRepository.h"
+#include "supply/LocalManifestRepository.h"
 #include "supply/PFMDomainManager.h"
 #include "supply/RepositoryStorePaths.h"
+#include "support/LocalHttpServer.h"
+
+#include <QTest>
 
 #include <QTemporaryDir>
 
@@ -79,7 +84,9 @@ protected:
     std::unique_ptr<PFMDomainManager> makeManager() {
         return std::make_unique<PFMDomainManager>(m_defaults, m_resources);
     }
-    LoadedRepositories load() const { return PFMDomainManager::loadRepositoriesFromSettings(m_defaults); }
+    LoadedRepositories load() const {
+        return PFMDomainManager::loadRepositoriesFromSettings(m_defaults, StandardizationSettings{});
+    }
 
     QString userFolder() const { return m_folder.filePath("User Manifests"); }
     void setOnline(const QString& address = kAddress) {
@@ -135,8 +142,7 @@ TEST_F(PFMDomainManagerTest, AnOnlineSettingNamesTheStoreOfItsAddressAndBranch) 
     EXPECT_EQ(*loaded.online, (LoadedRepositories::Online{kAddress, "master",
                                                           *RepositoryStorePaths::gitHubStorageRoot() +
                                                               "/ProfileManifests/ProfileManifests/master"}));
-    // Until a store has manifests, the bundled ones serve.
-    EXPECT_EQ(loaded.mainRepository, nullptr);
+    EXPECT_TRUE(dynamic_cast<GitHubManifestRepository*>(loaded.mainRepository.get()));
     EXPECT_TRUE(loaded.errors.isEmpty());
 
     m_defaults.set(Key::onlineManifestRepositoryBranchName, "release/2.0");
@@ -242,7 +248,10 @@ TEST_F(PFMDomainManagerTest, ALocalSettingReadsItsFolderBookmark) {
     EXPECT_EQ(loaded.local,
               (LoadedRepositories::LocalFolder{
                   userFolder(), *PFMDomainManager::storageDirectoryForLocalFolder(userFolder())}));
-    EXPECT_EQ(loaded.mainRepository, nullptr);
+    const auto* repository = dynamic_cast<LocalManifestRepository*>(loaded.mainRepository.get());
+    ASSERT_TRUE(repository);
+    EXPECT_EQ(repository->originalManifestsDirectory(), userFolder());
+    EXPECT_EQ(loaded.bookmarks, QStringList{userFolder()});
     EXPECT_FALSE(loaded.online);
 }
 
@@ -332,10 +341,13 @@ TEST_F(PFMDomainManagerTest, StartingRemovesTheStoresThatNoRepositoryUses) {
     for (const QString& file : {onlineStore + "/index.plist", localStore + "/index.plist", beside})
         ASSERT_TRUE(test::writeBytes(file, "x"));
 
-    // The settings name both stores, but neither holds a repository in force.
+    // The settings name the online store, whose repository waits in line
+    // while it has no manifests; nothing names the local one.
     setOnline();
-    makeManager();
-    EXPECT_TRUE(QDir(*gitHub).isEmpty());
+    const auto manager = makeManager();
+    ASSERT_TRUE(manager->linedUpManifestRepository());
+    EXPECT_EQ(manager->linedUpManifestRepository()->rootDirectory(), onlineStore);
+    EXPECT_TRUE(QFile::exists(onlineStore + "/index.plist"));
     EXPECT_TRUE(QDir(*local).isEmpty());
     EXPECT_TRUE(QFile::exists(beside)) << "only the children of the two roots are judged";
     EXPECT_TRUE(QDir(userFolder()).exists());
@@ -377,4 +389,65 @@ TEST_F(PFMDomainManagerTest, TheDefaultStandardizationSettings) {
     const StandardizationSettings compatible = manager->defaultStandardizationSettings();
     EXPECT_EQ(compatible.supportSearchDirectory, m_resources.manifestSupportDirectory());
     EXPECT_NE(compatible, settings);
+}
+
+TEST_F(PFMDomainManagerTest, ANewOnlineRepositoryWaitsInLineUntilItsFirstDownloadThenOffersIt) {
+    QTemporaryDir served;
+    const QString raw = served.filePath("owner/repo/master/");
+    plist::Dictionary entries;
+    for (const QString& domain : {QStringLiteral("com.example.online"), QStringLiteral("com.example.mail")}) {
+        const QString path = "Manifests/ManifestsApple/" + domain + ".plist";
+        ASSERT_TRUE(test::writeManifest(raw + path,
+                                        test::manifestTree(domain, {}, {{"pfm_title", "Online " + domain}})));
+        entries.insert(domain, plist::Dictionary{{"path", path}, {"modified", plist::Date{1000.0}}});
+    }
+    ASSERT_TRUE(test::writeManifest(raw + "Manifests/index", plist::Dictionary{{"ManifestsApple", entries}}));
+    test::LocalHttpServer server(served.path());
+    ASSERT_TRUE(server.listen());
+    qputenv("QUORLIN_RAW_CONTENT_URL", server.baseUrl().toString().toUtf8());
+    setOnline("https://github.com/owner/repo");
+
+    const auto manager = makeManager();
+    EXPECT_EQ(&manager->mainManifestRepository(), &manager->bundledManifestRepository());
+    auto* linedUp = dynamic_cast<GitHubManifestRepository*>(manager->linedUpManifestRepository());
+    ASSERT_TRUE(linedUp);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !linedUp->status().isCheckingForUpdates(); }, 20000));
+    EXPECT_EQ(linedUp->standardizedManifests().size(), 2);
+    // An online check runs at every start; its results are offered once the settings were touched.
+    EXPECT_FALSE(manager->areUpdatesAvailable());
+    manager->setWindowsShouldIndicateOnlineUpdates(true);
+    EXPECT_TRUE(manager->areUpdatesAvailable());
+
+    manager->reloadRepositories();
+    qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
+    EXPECT_TRUE(dynamic_cast<const GitHubManifestRepository*>(&manager->mainManifestRepository()));
+    EXPECT_EQ(manager->linedUpManifestRepository(), nullptr);
+    ASSERT_TRUE(domainNamed(*manager, "com.example.online"));
+    EXPECT_EQ(domainNamed(*manager, "com.example.mail")->title(), "Online com.example.mail");
+    EXPECT_FALSE(manager->areUpdatesAvailable()) << "the reload took the results in";
+}
+
+TEST_F(PFMDomainManagerTest, ALocalRepositoryOffersItsChangesAtOnceAndCanBeLinedUp) {
+    setLocal(FolderBookmark::data(userFolder()));
+    const auto manager = makeManager();
+    auto* local = dynamic_cast<const LocalManifestRepository*>(&manager->mainManifestRepository());
+    ASSERT_TRUE(local);
+    EXPECT_FALSE(manager->areUpdatesAvailable());
+    ASSERT_TRUE(test::writeManifest(QDir(userFolder()).filePath("new.plist"),
+                                    test::manifestTree("com.example.new", {}, {{"pfm_title", "New"}})));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return manager->areUpdatesAvailable(); }, 2000));
+    EXPECT_FALSE(domainNamed(*manager, "com.example.new"))
+        << "open documents keep their domains until a reload";
+
+    // The user points the setting at another folder and chooses not to reload.
+    QTemporaryDir other;
+    ASSERT_TRUE(
+        test::writeManifest(other.filePath("other.plist"), test::manifestTree("com.example.other", {}, {})));
+    setLocal(FolderBookmark::data(other.path()));
+    manager->lineUpRepositoryFromSettings();
+    ASSERT_TRUE(manager->linedUpManifestRepository());
+    EXPECT_EQ(manager->linedUpManifestRepository()->originalManifestsDirectory(), other.path());
+    EXPECT_EQ(&manager->mainManifestRepository(), local);
+    manager->reloadRepositories();
+    EXPECT_TRUE(domainNamed(*manager, "com.example.other"));
 }
