@@ -226,8 +226,10 @@ void ManifestsStandardizeCommand::printText(const Summary& summary, const Folder
                       .arg(summary.domainsInDestination));
     if (summary.skipped.isEmpty())
         return;
-    streams.print(
-        QStringLiteral("Skipped %1 files that gave no standardized manifest:").arg(summary.skipped.size()));
+    const qsizetype count = summary.skipped.size();
+    streams.print(count == 1
+                      ? QStringLiteral("Skipped 1 file that gave no standardized manifest:")
+                      : QStringLiteral("Skipped %1 files that gave no standardized manifest:").arg(count));
     for (const QString& file : summary.skipped)
         streams.print(QStringLiteral("  ") + file);
 }

@@ -170,7 +170,7 @@ TEST_F(ManifestsStandardizeCommandTest, RemovesWhatNoLongerHasAnOriginalAndLists
     EXPECT_EQ(lines(run.output).mid(1),
               (QStringList{
                   "Standardized 0 domains, removed 1; " + destination() + " holds 2 domains",
-                  "Skipped 1 files that gave no standardized manifest:",
+                  "Skipped 1 file that gave no standardized manifest:",
                   "  Manifests/ManagedPreferencesDeveloper/nodomain.plist",
               }));
 }
