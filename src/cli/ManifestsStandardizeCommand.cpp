@@ -125,7 +125,11 @@ int ManifestsStandardizeCommand::run(const QStringList& arguments, CommandStream
     const Folders folders{canonical(parsed->operands()[0]), canonical(parsed->operands()[1]),
                           canonical(store.value_or(temporaryStore.path()))};
 
-    const auto summary = standardize(folders, parsed->value(kSupportOption));
+    // Stored with the store's settings, so the same folder must read the same from anywhere.
+    auto support = parsed->value(kSupportOption);
+    if (support)
+        support = canonical(*support);
+    const auto summary = standardize(folders, support);
     if (!summary) {
         streams.printError(
             QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), summary.error()));
