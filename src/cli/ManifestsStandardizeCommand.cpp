@@ -125,7 +125,11 @@ int ManifestsStandardizeCommand::run(const QStringList& arguments, CommandStream
     const Folders folders{canonical(parsed->operands()[0]), canonical(parsed->operands()[1]),
                           canonical(store.value_or(temporaryStore.path()))};
 
-    const auto summary = standardize(folders, parsed->value(kSupportOption));
+    // Stored with the store's settings, so the same folder must read the same from anywhere.
+    auto support = parsed->value(kSupportOption);
+    if (support)
+        support = canonical(*support);
+    const auto summary = standardize(folders, support);
     if (!summary) {
         streams.printError(
             QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), summary.error()));
@@ -226,8 +230,10 @@ void ManifestsStandardizeCommand::printText(const Summary& summary, const Folder
                       .arg(summary.domainsInDestination));
     if (summary.skipped.isEmpty())
         return;
-    streams.print(
-        QStringLiteral("Skipped %1 files that gave no standardized manifest:").arg(summary.skipped.size()));
+    const qsizetype count = summary.skipped.size();
+    streams.print(count == 1
+                      ? QStringLiteral("Skipped 1 file that gave no standardized manifest:")
+                      : QStringLiteral("Skipped %1 files that gave no standardized manifest:").arg(count));
     for (const QString& file : summary.skipped)
         streams.print(QStringLiteral("  ") + file);
 }

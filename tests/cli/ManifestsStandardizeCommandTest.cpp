@@ -170,7 +170,7 @@ TEST_F(ManifestsStandardizeCommandTest, RemovesWhatNoLongerHasAnOriginalAndLists
     EXPECT_EQ(lines(run.output).mid(1),
               (QStringList{
                   "Standardized 0 domains, removed 1; " + destination() + " holds 2 domains",
-                  "Skipped 1 files that gave no standardized manifest:",
+                  "Skipped 1 file that gave no standardized manifest:",
                   "  Manifests/ManagedPreferencesDeveloper/nodomain.plist",
               }));
 }
@@ -207,4 +207,19 @@ TEST_F(ManifestsStandardizeCommandTest, RefusesWrongCommandLinesAndDestinationsI
     const ToolRun help = m_tool.run({"manifests", "standardize", "--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.output.startsWith("Usage: quorlin-profile manifests standardize SRC DEST"));
+}
+
+TEST_F(ManifestsStandardizeCommandTest, SupportFilesOverlayTheirDomains) {
+    const QString support = m_tool.path("support");
+    ASSERT_TRUE(QDir().mkpath(support));
+    QFile file(support + "/com.example.network manifest-support.plist");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(*plist::XmlWriter::write(plist::Dictionary{{"pfm_title", "Network (corrected)"}}));
+    file.close();
+
+    const ToolRun run =
+        m_tool.run({"manifests", "standardize", source(), destination(), "--support", support});
+    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
+    EXPECT_EQ(readTree(destination("com.example.network.plist"))->string("pfm_title"), "Network (corrected)");
+    EXPECT_EQ(readTree(destination("com.example.editor.plist"))->string("pfm_title"), "Editor");
 }

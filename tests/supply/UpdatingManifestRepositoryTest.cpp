@@ -3,6 +3,7 @@
 #include "schema/SchemaTrees.h"
 #include "supply/ModificationIndexItem.h"
 #include "supply/OriginalsFolderRepository.h"
+#include "supply/StandardizationPipeline.h"
 #include "supply/StoreFile.h"
 
 #include <QDateTime>
@@ -363,4 +364,40 @@ TEST(UpdateResultsItemTest, StatusesAreStoredAsStringsAndOthersDoNotDecode) {
     plist::Dictionary unknown = removed.encoded();
     unknown.insert("Status", "renamed");
     EXPECT_EQ(UpdateResultsItem::decoded(unknown).error().message, "Could not decode a valid status value");
+}
+
+TEST_F(UpdatingManifestRepositoryTest, TheProjectLayoutReadsOnlyItsManifestsFolderAndGivesCategories) {
+    writeOriginal("Manifests/ManifestsApple/system.plist", manifest("com.example.system"));
+    plist::Dictionary ownCategory = manifest("com.example.own");
+    ownCategory.insert("pfm_quorlin_category", "user");
+    writeOriginal("Manifests/ManifestsApple/own.plist", ownCategory);
+    writeOriginal("Manifests/ManagedPreferencesApple/app.plist", manifest("com.example.app"));
+    writeOriginal("Manifests/Elsewhere/other.plist", manifest("com.example.other"));
+    writeOriginal("Templates/outside.plist", manifest("com.example.outside"));
+    const auto repository = open();
+
+    EXPECT_TRUE(repository->isProfileManifestsRepository());
+    EXPECT_EQ(repository->manifestFiles().size(), 4);
+    EXPECT_FALSE(repository->manifest("com.example.outside"));
+    EXPECT_EQ(repository->manifest("com.example.system")->string("pfm_quorlin_category"), "system");
+    EXPECT_EQ(repository->manifest("com.example.own")->string("pfm_quorlin_category"), "user")
+        << "a manifest's own category stays in any folder";
+    EXPECT_EQ(repository->manifest("com.example.app")->string("pfm_quorlin_category"), "application");
+    EXPECT_FALSE(repository->manifest("com.example.other")->contains("pfm_quorlin_category"));
+}
+
+TEST(StandardizationPipelineTest, OriginalsSortByTitleThenFileNameThenPath) {
+    const auto original = [](const QString& path, std::optional<QString> title) {
+        plist::Dictionary tree;
+        if (title)
+            tree.insert("pfm_title", *title);
+        return StandardizationPipeline::Original{path, tree};
+    };
+    const auto isOrderedBefore = StandardizationPipeline::isOrderedBefore;
+    EXPECT_TRUE(isOrderedBefore(original("/z/b.plist", "Alpha"), original("/a/a.plist", "Beta")));
+    // A title in only one of the two can't decide: the file names do.
+    EXPECT_TRUE(isOrderedBefore(original("/z/a.plist", "Zulu"), original("/a/b.plist", std::nullopt)));
+    EXPECT_TRUE(isOrderedBefore(original("/z/a.plist", "Same"), original("/a/b.plist", "Same")));
+    EXPECT_TRUE(isOrderedBefore(original("/a/same.plist", "Same"), original("/b/same.plist", "Same")));
+    EXPECT_FALSE(isOrderedBefore(original("/b/same.plist", "Same"), original("/a/same.plist", "Same")));
 }
