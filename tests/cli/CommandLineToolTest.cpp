@@ -22,11 +22,12 @@ TEST_F(CommandLineToolTest, HelpListsEveryCommand) {
     const ToolRun help = m_tool.run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.output.startsWith("Usage: quorlin-profile COMMAND")) << help.output.toStdString();
-    // Summaries line up after the longest name, "identity import".
-    EXPECT_TRUE(help.output.contains("\n  plist convert    Convert a property list"));
-    EXPECT_TRUE(help.output.contains("\n  plist lint       Check that files"));
-    for (const char* command : {"check", "domains show", "export-payload", "format", "identity import",
-                                "identity list", "new", "sign", "unsign", "verify"})
+    // Summaries line up after the longest name, "manifests standardize".
+    EXPECT_TRUE(help.output.contains("\n  plist convert          Convert a property list"));
+    EXPECT_TRUE(help.output.contains("\n  manifests standardize  Bring a folder"));
+    for (const char* command :
+         {"check", "domains show", "export-payload", "format", "identity import", "identity list",
+          "manifests status", "manifests update", "new", "plist lint", "sign", "unsign", "verify"})
         EXPECT_TRUE(help.output.contains(QByteArray("\n  ") + command + ' ')) << command;
     EXPECT_TRUE(help.error.isEmpty());
     EXPECT_EQ(m_tool.run({"-h"}).output, help.output);

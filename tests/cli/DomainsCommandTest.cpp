@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,13 @@ namespace {
 
 // The keys of a profile's own that the bundled general manifest describes.
 const int kGeneralKeyCount = 13;
+
+// The standard-form manifests that the build made from the bundled raw ones.
+qsizetype bundledManifestCount() {
+    return QDir(QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests"))
+        .entryList({"*.plist"}, QDir::Files)
+        .size();
+}
 
 QStringList lines(const QByteArray& output) {
     return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
@@ -79,35 +87,43 @@ protected:
 
 } // namespace
 
-TEST_F(DomainsCommandTest, ListsTheBundledGeneralDomainWhenNothingElseIsConfigured) {
+TEST_F(DomainsCommandTest, ListsTheBundledDomainsWhenNothingElseIsConfigured) {
     const ToolRun run = m_tool.run({"domains"});
     ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
-    EXPECT_EQ(lines(run.output),
-              QStringList{QStringLiteral("\"\"\tGeneral\troot\t%1\tiOS,macOS,tvOS").arg(kGeneralKeyCount)});
+    const QStringList listed = lines(run.output);
+    EXPECT_EQ(listed.size(), bundledManifestCount());
+    EXPECT_EQ(listed.first(),
+              QStringLiteral("\"\"\tGeneral\troot\t%1\tiOS,macOS,tvOS,watchOS").arg(kGeneralKeyCount));
+    for (const QString& line : listed)
+        EXPECT_EQ(line.count(u'\t'), 4) << line.toStdString();
     EXPECT_TRUE(run.error.isEmpty());
 
     const ToolRun json = m_tool.run({"domains", "--json"});
     ASSERT_EQ(json.exitCode, 0) << json.error.toStdString();
-    EXPECT_EQ(jsonArray(json.output),
-              QJsonArray{domainObject("", "General", "root", {"iOS", "macOS", "tvOS"}, kGeneralKeyCount)});
+    const QJsonArray array = jsonArray(json.output);
+    ASSERT_EQ(array.size(), listed.size());
+    EXPECT_EQ(array.first(),
+              domainObject("", "General", "root", {"iOS", "macOS", "tvOS", "watchOS"}, kGeneralKeyCount));
 }
 
 TEST_F(DomainsCommandTest, AUserFolderOverridesTheBundledDomainInTheListing) {
     chooseUserFolder();
     const ToolRun run = m_tool.run({"domains"});
     ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
-    EXPECT_EQ(lines(run.output),
+    const QStringList listed = lines(run.output);
+    // The folder's domains come last, the general one in place of the bundled one.
+    EXPECT_EQ(listed.mid(listed.size() - 3),
               (QStringList{
                   "\"\"\tProfile Basics (house rules)\troot\t3\tiOS,macOS,tvOS,watchOS",
                   "com.example.browser\tBrowser (second override)\tapplication\t2\tiOS,macOS,tvOS,watchOS",
                   "com.example.chat\tChat\tuser\t1\tiOS,macOS,tvOS,watchOS",
               }));
+    EXPECT_EQ(listed.filter(QRegularExpression("^\"\"\t")).size(), 1);
+    EXPECT_EQ(listed.size(), bundledManifestCount() + 2);
 
     const QJsonArray json = jsonArray(m_tool.run({"domains", "--json"}).output);
-    ASSERT_EQ(json.size(), 3);
-    EXPECT_EQ(json[0].toObject()["domain"].toString(), QString());
-    EXPECT_EQ(json[0].toObject()["title"].toString(), QStringLiteral("Profile Basics (house rules)"));
-    EXPECT_EQ(json[1].toObject()["title"].toString(), QStringLiteral("Browser (second override)"));
+    ASSERT_EQ(json.size(), listed.size());
+    EXPECT_EQ(json.last().toObject()["title"].toString(), QStringLiteral("Chat"));
 }
 
 TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone) {

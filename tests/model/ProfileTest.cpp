@@ -257,7 +257,8 @@ TEST_F(ProfileTest, SigningNeedsAKnownIdentity) {
 }
 
 TEST_F(ProfileTest, BundledRootMakesAProfileThatReadsBack) {
-    const QString general = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests/Configuration.plist");
+    const QString general =
+        QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests/Configuration.plist");
     const auto root = PFMDomain::make(readDictionary(general));
     ASSERT_TRUE(root) << general.toStdString();
     const Profile::DomainList domains{root, fixtureDomain("removal-password"), fixtureDomain("everything")};
