@@ -51,9 +51,11 @@ TEST(BundledManifests, EveryRawDomainBecomesADomainWithAllItsKeys) {
         ASSERT_TRUE(domain) << file.toStdString();
         const plist::Array* subkeys = manifest.array("pfm_subkeys");
         ASSERT_TRUE(subkeys);
-        EXPECT_EQ(domain->keyPrototypes().size(), subkeys->size()) << file.toStdString() << ": a key didn't load";
+        EXPECT_EQ(domain->keyPrototypes().size(), subkeys->size())
+            << file.toStdString() << ": a key didn't load";
         loaded.insert(domain->domainString());
-        std::cout << "  " << (domain->domainString().isEmpty() ? "\"\"" : domain->domainString().toStdString())
+        std::cout << "  "
+                  << (domain->domainString().isEmpty() ? "\"\"" : domain->domainString().toStdString())
                   << ": " << domain->keyPrototypes().size() << " keys\n";
     }
     EXPECT_EQ(loaded, expected);
@@ -71,6 +73,7 @@ TEST(BundledManifests, AProfileWithAPayloadOfEachDomainSavesAndReadsBackEqual) {
         domains.append(std::move(domain));
     }
     ASSERT_TRUE(general);
+    EXPECT_TRUE(general->required()) << "its support file puts back what conversion drops";
     const auto environment = makeTestEnvironment();
     const auto profile = Profile::makeNewProfile(domains, environment);
     ASSERT_TRUE(profile);
@@ -86,7 +89,8 @@ TEST(BundledManifests, AProfileWithAPayloadOfEachDomainSavesAndReadsBackEqual) {
     ASSERT_TRUE(reread);
     EXPECT_EQ((*reread)->configurationPayloads().size(), domains.size() - 1);
     for (const auto& payload : (*reread)->configurationPayloads())
-        EXPECT_FALSE(payload->unfamiliarPreferenceKeys()) << payload->domainPrototype().domainString().toStdString();
+        EXPECT_FALSE(payload->unfamiliarPreferenceKeys())
+            << payload->domainPrototype().domainString().toStdString();
     EXPECT_EQ((*reread)->profileData(), data);
 }
 
