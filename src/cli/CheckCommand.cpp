@@ -85,11 +85,8 @@ int CheckCommand::run(const QStringList& arguments, CommandStreams& streams) con
     if (!targets)
         return usageError(streams, targets.error());
     const auto context = ProfileContext::make(parsed->value(kManifestsOption));
-    if (!context) {
-        streams.printError(
-            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
-        return ExitCode::usageOrInputError;
-    }
+    if (!context)
+        return commandError(streams, context.error());
 
     return check({*context, (*targets)->settings(), parsed->operands(), parsed->hasFlag(kJsonFlag)}, streams);
 }

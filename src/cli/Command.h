@@ -2,6 +2,7 @@
 
 #include "cli/CommandStreams.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -26,6 +27,13 @@ public:
 protected:
     // Reports a mistake in the command line and answers the exit status for it.
     int usageError(CommandStreams& streams, const QString& message) const;
+    // Reports an input that can't be read or an output that can't be
+    // written, the message naming the file, and answers the exit status.
+    int inputError(CommandStreams& streams, const QString& message) const;
+    // The same for a failure of the command as a whole, named after it.
+    int commandError(CommandStreams& streams, const QString& reason) const;
+    // Writes the bytes to the file whole or not at all; the exit status.
+    int writeOutputFile(CommandStreams& streams, const QString& path, const QByteArray& bytes) const;
 };
 
 } // namespace quorlin::cli

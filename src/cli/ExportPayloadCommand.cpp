@@ -1,8 +1,6 @@
 #include "cli/ExportPayloadCommand.h"
 
-#include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
-#include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 #include "plist/XmlWriter.h"
@@ -78,32 +76,25 @@ int ExportPayloadCommand::run(const QStringList& arguments, CommandStreams& stre
         return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
 
     const QString input = parsed->operands().first();
-    const auto failed = [&](const QString& message) {
-        streams.printError(message);
-        return ExitCode::usageOrInputError;
-    };
     const auto context = ProfileContext::make(parsed->value(kManifestsOption));
     if (!context)
-        return failed(
-            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
+        return commandError(streams, context.error());
     const auto opened = ProfileOpener(*context).open(input);
     if (!opened)
-        return failed(opened.error().message);
+        return inputError(streams, opened.error().message);
     auto dictionary = payloadDictionary(*opened->profile, *uuid);
     if (!dictionary)
-        return failed(QStringLiteral("%1: no payload with the UUID %2").arg(input, *uuid));
+        return inputError(streams, QStringLiteral("%1: no payload with the UUID %2").arg(input, *uuid));
     if (parsed->hasFlag(kStripFlag))
         stripPayloadKeys(*dictionary);
     const auto bytes = plist::XmlWriter::write(plist::Value(*dictionary));
     if (!bytes)
-        return failed(input + QStringLiteral(": cannot write the payload as a property list"));
+        return inputError(streams, input + QStringLiteral(": cannot write the payload as a property list"));
     if (*output == QStringLiteral("-")) {
         streams.writeOutput(*bytes);
         return ExitCode::success;
     }
-    if (const auto written = OutputFile::write(*output, *bytes); !written)
-        return failed(*output + QStringLiteral(": cannot write: ") + written.error());
-    return ExitCode::success;
+    return writeOutputFile(streams, *output, *bytes);
 }
 
 } // namespace quorlin::cli

@@ -120,11 +120,8 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
         return usageError(streams, QStringLiteral("no file given"));
     SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
     const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
-    if (!context) {
-        streams.printError(
-            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
-        return ExitCode::usageOrInputError;
-    }
+    if (!context)
+        return commandError(streams, context.error());
 
     const Run run{parsed->hasFlag(kCheckFlag), parsed->value(kIdentityOption), *context, streams};
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(parsed->operands());

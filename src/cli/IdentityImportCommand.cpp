@@ -47,31 +47,27 @@ int IdentityImportCommand::run(const QStringList& arguments, CommandStreams& str
         return usageError(streams, QStringLiteral("give exactly one PKCS#12 file"));
 
     const QString archive = parsed->operands().first();
-    const auto failed = [&](const QString& message) {
-        streams.printError(message);
-        return ExitCode::usageOrInputError;
-    };
     // Asking for secrets first would be in vain for a file that isn't there.
     if (const auto readable = InputFile::read(archive); !readable)
-        return failed(readable.error().message);
+        return inputError(streams, readable.error().message);
     SecretSource passwordSource(parsed->value(kPasswordFileOption),
                                 QStringLiteral("Password of %1: ").arg(archive));
     const auto password = passwordSource.secret();
     if (!password)
-        return failed(archive + QStringLiteral(": no password: ") + password.error());
+        return inputError(streams, archive + QStringLiteral(": no password: ") + password.error());
     SecretSource passphraseSource(parsed->value(kPassphraseFileOption),
                                   QStringLiteral("New passphrase for the identity's key: "));
     const auto passphrase = passphraseSource.secret();
     if (!passphrase)
-        return failed(archive + QStringLiteral(": no passphrase: ") + passphrase.error());
+        return inputError(streams, archive + QStringLiteral(": no passphrase: ") + passphrase.error());
     if (passphrase->isEmpty())
-        return failed(archive + QStringLiteral(": the key's new passphrase must not be empty"));
+        return inputError(streams, archive + QStringLiteral(": the key's new passphrase must not be empty"));
 
     const auto identity = SigningServices().importPKCS12(archive, *password, *passphrase);
     if (!identity)
-        return failed(archive +
-                      QStringLiteral(": cannot import: wrong password, or not a PKCS#12 file with a "
-                                     "certificate and its key"));
+        return inputError(
+            streams, archive + QStringLiteral(": cannot import: wrong password, or not a PKCS#12 file with a "
+                                              "certificate and its key"));
     streams.print(QStringLiteral("Imported “%1” (%2)")
                       .arg(identity->name,
                            identity->isTrusted ? QStringLiteral("trusted") : QStringLiteral("untrusted")));

@@ -1,8 +1,6 @@
 #include "cli/SignCommand.h"
 
-#include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
-#include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 #include "cli/SecretSource.h"
@@ -59,32 +57,27 @@ int SignCommand::run(const QStringList& arguments, CommandStreams& streams) cons
         return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
 
     const QString input = parsed->operands().first();
-    const auto failed = [&](const QString& message) {
-        streams.printError(message);
-        return ExitCode::usageOrInputError;
-    };
     SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
     const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
     if (!context)
-        return failed(
-            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
+        return commandError(streams, context.error());
     const auto opened = ProfileOpener(*context).open(input);
     if (!opened)
-        return failed(opened.error().message);
+        return inputError(streams, opened.error().message);
     const auto identity = context->signing.identityNamed(*identityName);
     if (!identity)
-        return failed(
+        return inputError(
+            streams,
             QStringLiteral("%1: no signing identity named “%2” (see 'quorlin-profile identity list')")
                 .arg(input, *identityName));
     const auto message = context->signing.encodeSignedMessage(opened->content, *identity);
     if (!message) {
         const QString reason =
             passphrases.lastError().value_or(QStringLiteral("wrong passphrase or unreadable key"));
-        return failed(QStringLiteral("%1: cannot sign with “%2”: %3").arg(input, *identityName, reason));
+        return inputError(streams,
+                          QStringLiteral("%1: cannot sign with “%2”: %3").arg(input, *identityName, reason));
     }
-    if (const auto written = OutputFile::write(*output, *message); !written)
-        return failed(*output + QStringLiteral(": cannot write: ") + written.error());
-    return ExitCode::success;
+    return writeOutputFile(streams, *output, *message);
 }
 
 } // namespace quorlin::cli

@@ -1,8 +1,6 @@
 #include "cli/UnsignCommand.h"
 
-#include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
-#include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 
@@ -44,22 +42,15 @@ int UnsignCommand::run(const QStringList& arguments, CommandStreams& streams) co
         return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
 
     const QString input = parsed->operands().first();
-    const auto failed = [&](const QString& message) {
-        streams.printError(message);
-        return ExitCode::usageOrInputError;
-    };
     const auto context = ProfileContext::make(parsed->value(kManifestsOption));
     if (!context)
-        return failed(
-            QStringLiteral("%1 %2: %3").arg(CommandLineTool::programName(), name(), context.error()));
+        return commandError(streams, context.error());
     const auto opened = ProfileOpener(*context).open(input);
     if (!opened)
-        return failed(opened.error().message);
+        return inputError(streams, opened.error().message);
     if (!opened->isSigned())
-        return failed(input + QStringLiteral(": not signed"));
-    if (const auto written = OutputFile::write(*output, opened->content); !written)
-        return failed(*output + QStringLiteral(": cannot write: ") + written.error());
-    return ExitCode::success;
+        return inputError(streams, input + QStringLiteral(": not signed"));
+    return writeOutputFile(streams, *output, opened->content);
 }
 
 } // namespace quorlin::cli
