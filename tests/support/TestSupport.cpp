@@ -1,13 +1,25 @@
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <ostream>
 
 namespace quorlin::test {
+
+void prepareTestEnvironment() {
+    // Tests must never read or write the user's real settings or stores.
+    QStandardPaths::setTestModeEnabled(true);
+    // Nor the public network: an online repository made by a test, or by a
+    // program a test starts, reads from a closed port unless the test serves.
+    if (qEnvironmentVariableIsEmpty("QUORLIN_RAW_CONTENT_URL"))
+        qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
+    QCoreApplication::setApplicationName(QStringLiteral("quorlin-profile-editor-tests"));
+}
 
 QString testDataPath(const QString& relative) {
     return QDir(QStringLiteral(QUORLIN_TEST_DATA_DIR)).filePath(relative);

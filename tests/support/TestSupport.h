@@ -9,6 +9,10 @@
 
 namespace quorlin::test {
 
+// Before the application object: QStandardPaths test mode, the closed
+// raw-content port, the application name of the suites.
+void prepareTestEnvironment();
+
 // tests/data/<relative>
 QString testDataPath(const QString& relative = {});
 // ../shared/corpus/<relative>, the third-party snapshot read by relative path.
