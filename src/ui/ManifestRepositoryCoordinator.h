@@ -1,6 +1,8 @@
 #pragma once
 
 #include "supply/LastUpdates.h"
+#include "ui/ManifestUpdatesWindow.h"
+#include "ui/PreferencesWindow.h"
 
 #include <QObject>
 #include <QPointer>
@@ -13,10 +15,8 @@ class QWidget;
 namespace quorlin {
 
 class DocumentReloader;
-class ManifestUpdatesWindow;
 class NoticePresenter;
 class PFMDomainManager;
-class PreferencesWindow;
 class ProcessRestarter;
 class UpdatingManifestRepository;
 class UserDefaults;

@@ -179,6 +179,8 @@ void ManifestUpdatesWindow::showResults(const QList<UpdateResultsItem>& items) {
 
 void ManifestUpdatesWindow::setShowingLastResults(bool showingLastResults) {
     m_showingLastResults = showingLastResults;
+    // Taken now: listing the results moves the stored date past them.
+    m_seenDate = m_defaults.date(DefaultsKey::lastShownOnlineManifestsUpdateModificationDate);
     fillList();
 }
 
@@ -193,9 +195,8 @@ void ManifestUpdatesWindow::setDateDisplayOption(DateDisplayOption option) {
 bool ManifestUpdatesWindow::isUnseen(const UpdateResultsItem& item) const {
     if (!m_showingLastResults || !item.manifestModificationDate)
         return true;
-    const auto seen = m_defaults.date(DefaultsKey::lastShownOnlineManifestsUpdateModificationDate);
-    return !seen ||
-           item.manifestModificationDate->secondsSinceReferenceDate > seen->secondsSinceReferenceDate;
+    return !m_seenDate ||
+           item.manifestModificationDate->secondsSinceReferenceDate > m_seenDate->secondsSinceReferenceDate;
 }
 
 void ManifestUpdatesWindow::fillList() {

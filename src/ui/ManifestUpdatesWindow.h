@@ -68,12 +68,13 @@ private:
     void openCommitLog();
 
     UserDefaults& m_defaults;
-    // Guards m_repository: the repository goes when the domain manager replaces it.
+    // Null once the repository is gone, as when the domain manager replaces it.
     QPointer<UpdatingRepositoryStatus> m_status;
     QPointer<GitHubManifestRepository> m_gitHubRepository;
     QList<QMetaObject::Connection> m_observations;
     bool m_isMainRepository = false;
     bool m_showingLastResults = false;
+    std::optional<plist::Date> m_seenDate;
     bool m_closeAfterUpdatesCheck = false;
     DateDisplayOption m_dateDisplayOption = DateDisplayOption::fileChange;
     State m_state = State::reportingNoUpdates;
