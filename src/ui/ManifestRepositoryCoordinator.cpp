@@ -180,6 +180,10 @@ void ManifestRepositoryCoordinator::representCurrentRepository() {
     if (!m_updates)
         return;
     UpdatingManifestRepository* repository = representedRepository();
+    QSet<QString> known;
+    for (const auto& domain : m_domainManager.domains())
+        known.insert(domain->domainString());
+    m_updates->setKnownDomains(known);
     m_updates->setShowingLastResults(false);
     m_updates->setRepository(repository, repository == &m_domainManager.mainManifestRepository());
 }

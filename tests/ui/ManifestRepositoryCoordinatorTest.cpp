@@ -27,6 +27,12 @@ class ManifestRepositoryCoordinatorTest : public RepositoryUiTest {
 protected:
     void SetUp() override {
         RepositoryUiTest::SetUp();
+        relaunch();
+    }
+    // A new start on the settings as they are now.
+    void relaunch() {
+        m_coordinator.reset();
+        m_documents.reset();
         m_manager = makeManager();
         m_documents = std::make_unique<ProfileDocumentShelf>(*m_manager, m_defaults);
         makeCoordinator();
@@ -98,7 +104,8 @@ TEST_F(ManifestRepositoryCoordinatorTest, NewOnlineSettingsReachAnOpenDocumentTh
     EXPECT_EQ(updates->state(), ManifestUpdatesWindow::State::reportingUpdates);
     const QStringList listed = updates->listedDomains();
     EXPECT_EQ(listed.size(), 3) << listed.join(", ").toStdString();
-    EXPECT_TRUE(listed.contains("com.example.online") && listed.contains("com.example.mail"));
+    EXPECT_EQ(updates->listedStatus("com.example.online"), "Added");
+    EXPECT_EQ(updates->listedStatus("com.example.mail"), "Updated");
 
     click(updates, "reloadAllProfilesButton");
     EXPECT_EQ(m_documents->reloads, 2);
@@ -148,8 +155,7 @@ TEST_F(ManifestRepositoryCoordinatorTest, AfterLaunchAnUnavailableLocalFolderLea
     m_defaults.set(DefaultsKey::manifestRepositoryType, DefaultsValue::repositoryTypeLocal);
     m_defaults.set(DefaultsKey::localRepositoryPathBookmark, QByteArray("not/a/folder"));
     m_defaults.set(DefaultsKey::noticeSuppressOnlineManifestsUpdated, true);
-    m_manager = makeManager();
-    makeCoordinator();
+    relaunch();
 
     m_coordinator->afterLaunch();
     ASSERT_TRUE(m_notices.waiting());
@@ -194,4 +200,35 @@ TEST_F(ManifestRepositoryCoordinatorTest, QuittingWaitsForEnteredSettingsToPass)
     ASSERT_TRUE(QTest::qWaitFor([&] { return replied; }, 20000));
     EXPECT_TRUE(mayQuit);
     EXPECT_EQ(m_defaults.string(DefaultsKey::onlineManifestRepositoryAddress), address);
+}
+
+TEST_F(ManifestRepositoryCoordinatorTest, AfterLaunchTheFirstMoveOnlineIsMarkedAndLaterUpdatesAreShown) {
+    // Factory settings whose online store is still empty: the bundled manifests serve.
+    m_defaults.remove(DefaultsKey::manifestRepositoryType);
+    relaunch();
+    m_coordinator->afterLaunch();
+    EXPECT_EQ(m_defaults.string(DefaultsKey::bundledToOnlineResultsFiltering), DefaultsValue::resultsFilter);
+    EXPECT_EQ(m_coordinator->manifestUpdatesWindow(), nullptr);
+
+    // A repository of the user's own whose last download changed manifests.
+    m_defaults.set(DefaultsKey::manifestRepositoryType, DefaultsValue::repositoryTypeOnline);
+    m_defaults.set(DefaultsKey::onlineManifestRepositoryAddress, address);
+    relaunch();
+    auto* linedUp = m_manager->linedUpManifestRepository();
+    ASSERT_TRUE(linedUp);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !linedUp->status().isCheckingForUpdates(); }, 20000));
+    relaunch();
+    ASSERT_TRUE(dynamic_cast<const GitHubManifestRepository*>(&m_manager->mainManifestRepository()));
+
+    m_defaults.set(DefaultsKey::noticeSuppressOnlineManifestsUpdated, true);
+    m_coordinator->afterLaunch();
+    EXPECT_EQ(m_coordinator->manifestUpdatesWindow(), nullptr) << "suppressed";
+
+    m_defaults.remove(DefaultsKey::noticeSuppressOnlineManifestsUpdated);
+    m_coordinator->afterLaunch();
+    ManifestUpdatesWindow* updates = m_coordinator->manifestUpdatesWindow();
+    ASSERT_TRUE(updates && updates->isVisible());
+    EXPECT_TRUE(updates->listedDomains().contains("com.example.online"));
+    EXPECT_EQ(m_defaults.string(DefaultsKey::bundledToOnlineResultsFiltering),
+              DefaultsValue::resultsNoFilter);
 }
