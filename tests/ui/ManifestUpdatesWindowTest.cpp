@@ -4,6 +4,7 @@
 #include "supply/GitHubManifestRepository.h"
 
 #include <QAbstractButton>
+#include <QDesktopServices>
 #include <QProgressBar>
 #include <QTest>
 
@@ -12,6 +13,17 @@ using namespace quorlin::test;
 using State = ManifestUpdatesWindow::State;
 
 namespace {
+
+// Stands in for the browser: the desktop hands it the addresses to open.
+class OpenedUrls : public QObject {
+    Q_OBJECT
+
+public:
+    QList<QUrl> urls;
+
+public Q_SLOTS:
+    void open(const QUrl& url) { urls << url; }
+};
 
 class ManifestUpdatesWindowTest : public RepositoryUiTest {
 protected:
@@ -81,6 +93,13 @@ TEST_F(ManifestUpdatesWindowTest, ARunningCheckShowsProgressAndCanBeCancelled) {
     EXPECT_FALSE(repository->status().isCheckingForUpdates());
     EXPECT_EQ(m_window.state(), State::reportingNoUpdates);
 
+    // The commit log opens in the browser.
+    OpenedUrls browser;
+    QDesktopServices::setUrlHandler("https", &browser, "open");
+    m_window.findChild<QAbstractButton*>("commitLogButton")->click();
+    QDesktopServices::unsetUrlHandler("https");
+    EXPECT_EQ(browser.urls, QList<QUrl>{QUrl("https://github.com/owner/repo/commits/master")});
+
     // The repository goes away under the window, as a reload replaces it.
     repository.reset();
     m_window.showStoredResults({item("com.example.a", 10.0)});
@@ -110,3 +129,5 @@ TEST_F(ManifestUpdatesWindowTest, LastResultsListOnlyWhatWasNotSeenAndRememberTh
     m_window.showStoredResults({});
     EXPECT_EQ(m_window.state(), State::reportingNoUpdates);
 }
+
+#include "ManifestUpdatesWindowTest.moc"
