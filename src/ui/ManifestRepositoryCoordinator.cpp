@@ -151,6 +151,8 @@ void ManifestRepositoryCoordinator::showPreferences() {
         connect(m_preferences, &PreferencesWindow::manifestRepositoryDidChange, this,
                 &ManifestRepositoryCoordinator::manifestRepositorySettingsDidChange);
     }
+    if (m_signingIdentityNames)
+        m_preferences->setSigningIdentityNames(m_signingIdentityNames());
     raise(m_preferences);
 }
 

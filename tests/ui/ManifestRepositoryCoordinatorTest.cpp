@@ -7,6 +7,7 @@
 #include "ui/PreferencesWindow.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QTest>
@@ -74,9 +75,11 @@ TEST_F(ManifestRepositoryCoordinatorTest, NewOnlineSettingsReachAnOpenDocumentTh
     EXPECT_FALSE(updatesButton->isVisible());
 
     // The user enters the online repository and verifies it.
+    m_coordinator->setSigningIdentityNames([] { return QStringList{"Alice"}; });
     m_coordinator->showPreferences();
     PreferencesWindow* preferences = m_coordinator->preferencesWindow();
     ASSERT_TRUE(preferences && preferences->isVisible());
+    EXPECT_EQ(child<QComboBox>(preferences, "defaultSigningIdentityPopUpButton")->findText("Alice"), 1);
     preferences->selectPane(PreferencesWindow::Pane::manifests);
     click(preferences, "onlineTypeButton");
     type(preferences, "onlineAddressTextField", address);
