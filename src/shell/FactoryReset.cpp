@@ -1,0 +1,26 @@
+#include "shell/FactoryReset.h"
+
+#include "shell/FactoryDefaults.h"
+#include "shell/ProcessRestarter.h"
+
+namespace quorlin {
+
+FactoryReset::FactoryReset(UserDefaults& defaults, ProcessRestarter& restarter)
+    : m_defaults(defaults)
+    , m_restarter(restarter) {}
+
+ApplicationNotice FactoryReset::confirmation(const QString& programName) {
+    return ApplicationNotice::resetToFactorySettings(programName);
+}
+
+void FactoryReset::run(const CloseAllDocuments& closeAllDocuments) const {
+    // The documents may close later, after this object is gone.
+    closeAllDocuments([&defaults = m_defaults, &restarter = m_restarter](bool allClosed) {
+        if (!allClosed)
+            return;
+        FactoryDefaults::removeUserData(defaults);
+        restarter.restart();
+    });
+}
+
+} // namespace quorlin
