@@ -114,6 +114,24 @@ TEST_F(SectionListViewTest, RowsFollowTheListAndSelectionGoesBothWays) {
     EXPECT_EQ(model().rowCount(), 2);
 }
 
+TEST_F(SectionListViewTest, KeepsTheSelectedRowInViewWhenItMoves) {
+    m_view->resize(280, 110);
+    const auto selectedRowIsVisible = [&] {
+        // The move is scrolled to after the current pass.
+        QCoreApplication::processEvents();
+        const QRect rect = m_view->visualRect(model().index(model().rowOf(&relay())));
+        return m_view->viewport()->rect().contains(rect.center());
+    };
+    m_list.setSelectionIndexes({model().rowOf(&relay())});
+    EXPECT_TRUE(selectedRowIsVisible());
+    ASSERT_EQ(m_history.addPayload(relay(), m_profile), PFMSection::AddPayloadResult::added);
+    EXPECT_TRUE(selectedRowIsVisible()) << "moved up into the configured block";
+    m_history.undoStack().undo();
+    ASSERT_EQ(relay().payloadsConfigured(), 0);
+    EXPECT_EQ(m_list.selectedObject(), &relay());
+    EXPECT_TRUE(selectedRowIsVisible()) << "moved back down to its group";
+}
+
 TEST_F(SectionListViewTest, GroupTitlesAreNeitherClickedNorSteppedOnto) {
     const int systemTitle = rowOfGroupTitle(QStringLiteral("Available System Domains"));
     ASSERT_GT(systemTitle, 0);
