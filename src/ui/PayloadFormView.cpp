@@ -11,6 +11,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -118,8 +120,14 @@ void PayloadFormView::buildHeader() {
 void PayloadFormView::buildGroupSelector() {
     if (!m_form.hasGroupSelector())
         return;
-    auto* selector = new QWidget(m_fieldsBox);
-    selector->setObjectName(QStringLiteral("groupSelector"));
+    // A domain of many groups would widen the form past its window; the
+    // segments scroll sideways instead.
+    auto* scroller = new QScrollArea(m_fieldsBox);
+    scroller->setObjectName(QStringLiteral("groupSelector"));
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidgetResizable(true);
+    scroller->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* selector = new QWidget(scroller);
     auto* row = new QHBoxLayout(selector);
     row->setSpacing(0);
     m_groups = new QButtonGroup(this);
@@ -143,7 +151,11 @@ void PayloadFormView::buildGroupSelector() {
     }
     row->addStretch(1);
     connect(m_groups, &QButtonGroup::idClicked, this, [this](int group) { m_form.selectGroup(group); });
-    m_fieldsLayout->addWidget(selector);
+    scroller->setWidget(selector);
+    scroller->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    scroller->setFixedHeight(selector->sizeHint().height() +
+                             scroller->horizontalScrollBar()->sizeHint().height());
+    m_fieldsLayout->addWidget(scroller);
     refreshGroups();
 }
 

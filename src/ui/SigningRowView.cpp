@@ -66,7 +66,8 @@ SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTru
     m_popUp = new QComboBox(this);
     m_popUp->setObjectName(QStringLiteral("signingIdentityPopUp"));
     m_popUp->setAccessibleName(title());
-    m_popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_popUp->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_popUp->setMinimumContentsLength(32);
     layout->addWidget(m_popUp, 0, Qt::AlignLeft);
     fillItems();
     connect(m_popUp, &QComboBox::activated, this, &SigningRowView::choose);
