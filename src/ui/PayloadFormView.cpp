@@ -3,6 +3,7 @@
 #include "fields/KeyPath.h"
 #include "model/PreferenceKeyObserver.h"
 #include "ui/FieldRowView.h"
+#include "ui/Tint.h"
 #include "workspace/PayloadViewController.h"
 
 #include <QButtonGroup>
@@ -144,7 +145,7 @@ void PayloadFormView::buildGroupSelector() {
         auto* badge = new QLabel(QStringLiteral("\u25CF"), selector);
         badge->setObjectName(QStringLiteral("groupBadge"));
         badge->setProperty("group", label.key());
-        badge->setStyleSheet(QStringLiteral("QLabel { color: #e0302b; }"));
+        Tint::setTextColour(*badge, Tint::errorColour());
         badge->setToolTip(QStringLiteral("Holds a match of the search"));
         m_groupBadges.append(badge);
         row->addWidget(badge);

@@ -4,6 +4,7 @@
 #include "model/ProfileSigningServices.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
+#include "ui/Tint.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -59,7 +60,7 @@ SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTru
     titleLabel->setFont(bold);
     m_writeOut = new QLabel(QStringLiteral("\u25CF"), this);
     m_writeOut->setObjectName(QStringLiteral("writeOutIndicator"));
-    m_writeOut->setStyleSheet(QStringLiteral("QLabel { color: palette(highlight); }"));
+    Tint::setTextRole(*m_writeOut, QPalette::Highlight);
     titleRow->addWidget(titleLabel, 1);
     titleRow->addWidget(m_writeOut);
     layout->addLayout(titleRow);
