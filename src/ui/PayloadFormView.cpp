@@ -285,6 +285,15 @@ void PayloadFormView::refreshNotices() {
         m_unfamiliarRemove->setText(removeUnfamiliarTitle(*payload));
 }
 
+bool PayloadFormView::showsFields() const {
+    return !m_fieldsBox->isHidden();
+}
+
+void PayloadFormView::followCollapsed() {
+    if (isFormAlive())
+        setCollapsed(m_form.isCollapsed());
+}
+
 void PayloadFormView::setCollapsed(bool collapsed) {
     m_form.setCollapsed(collapsed);
     m_fieldsBox->setVisible(!collapsed);

@@ -313,6 +313,9 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     ASSERT_NE(window.view.sectionFormView(), nullptr);
     window.history.addPayload(*section, window.profile);
     ASSERT_EQ(window.view.sectionFormView()->payloadViews().size(), 2);
+    // The new payload opens; the one before folds to its header.
+    EXPECT_FALSE(window.view.sectionFormView()->payloadViews().at(0)->showsFields());
+    EXPECT_TRUE(window.view.sectionFormView()->payloadViews().at(1)->showsFields());
     EXPECT_EQ(window.view.sectionFormView()->payloadViews().at(1)->titleEdit()->text(),
               section->sectionViewController()->payloadControllers().at(1)->title());
 
@@ -324,6 +327,8 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     EXPECT_EQ(removeRequests.first().at(1).toInt(), 1);
     window.history.removePayloads(*section, window.profile, {1});
     ASSERT_EQ(window.view.sectionFormView()->payloadViews().size(), 1);
+    // The one left doesn't stay folded.
+    EXPECT_TRUE(window.view.sectionFormView()->payloadViews().at(0)->showsFields());
     window.history.removePayloads(*section, window.profile, {0});
     EXPECT_EQ(window.view.sectionFormView(), nullptr);
     EXPECT_NE(window.view.findChild<QPushButton*>(QStringLiteral("addPayloadButton")), nullptr);
