@@ -218,6 +218,9 @@ void PayloadFormView::applyVisibility() {
     refreshGroups();
     if (built)
         orderTabs();
+    // Settings that reach the logic past this view (a search, a filter)
+    // change what rows say as well as which show.
+    refresh();
 }
 
 void PayloadFormView::orderTabs() {

@@ -336,6 +336,41 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     EXPECT_NE(window.view.sectionFormView(), nullptr);
 }
 
+TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
+    const auto domains = withGeneralDomain({});
+    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>PayloadType</key><string>Configuration</string>
+<key>PayloadVersion</key><integer>1</integer>
+<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
+<key>PayloadIdentifier</key><string>com.example.profile</string>
+<key>PayloadDisplayName</key><string>Profile</string>
+<key>PayloadContent</key><array>
+<dict><key>PayloadType</key><string>com.example.unknown</string><key>PayloadUUID</key><string>A</string>
+<key>Secret</key><string>forty-two</string></dict>
+<dict><key>PayloadType</key><string>com.example.other</string><key>PayloadUUID</key><string>B</string>
+<key>Elsewhere</key><string>not shown</string></dict>
+</array></dict></plist>)";
+    const auto profile = Profile::parseProfile(profileData, domains, makeTestEnvironment());
+    ASSERT_TRUE(profile);
+    const auto section = PFMSection::makeUnfamiliar((*profile)->unfamiliarPayloads().first());
+    ASSERT_TRUE(section);
+    ContentView view;
+    view.setProfile(*profile);
+    view.setSection(section.get());
+    ASSERT_NE(view.currentView(), nullptr);
+    EXPECT_EQ(view.currentView()->objectName(), QStringLiteral("unfamiliarView"));
+    QStringList texts;
+    for (const QLabel* label : view.findChildren<QLabel*>())
+        texts << label->text();
+    for (const QString& shown : {QStringLiteral("Secret"), QStringLiteral("forty-two"), QStringLiteral("A"),
+                                 ContentView::unfamiliarDomainLabel()})
+        EXPECT_TRUE(texts.contains(shown)) << shown.toStdString();
+    EXPECT_FALSE(texts.contains(QStringLiteral("not shown")));
+    EXPECT_TRUE(view.findChildren<QLineEdit*>().isEmpty());
+    EXPECT_EQ(view.sectionFormView(), nullptr);
+}
+
 class SigningRow : public SigningFixture {
 protected:
     SigningRowView* openGeneral(Window& window) {
