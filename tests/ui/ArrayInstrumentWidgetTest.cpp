@@ -5,6 +5,7 @@
 #include "ui/ArrayTableModel.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -208,6 +209,58 @@ TEST_F(ArrayInstrumentWidgetTest, RowsMoveWithTheKeyboard) {
     EXPECT_EQ(written().array()->first(), plist::Value(QStringLiteral("three")));
     m_history.undoStack().undo();
     EXPECT_EQ(view().index(1, 0).data().toString(), QStringLiteral("three"));
+}
+
+TEST_F(ArrayInstrumentWidgetTest, PopUpCellsOfNestedColumnsWriteTheAllowedValues) {
+    const QString dock = QStringLiteral("com.apple.dock");
+    showTable(dock, QStringLiteral("static-others"));
+    m_widget->addRow();
+    if (QWidget* editor = QApplication::focusWidget(); editor && editor != &table())
+        QTest::keyClick(editor, Qt::Key_Escape);
+    const auto item = [&] {
+        return *writtenValue(dock, QStringLiteral("static-others")).array()->first().dictionary();
+    };
+    // Picks an entry in the cell's pop-up as a user would, and answers what the pop-up offered.
+    const auto pick = [&](int column, int entry) {
+        const QModelIndex index = view().index(0, column);
+        table().setCurrentIndex(index);
+        table().edit(index);
+        auto* popUp = qobject_cast<QComboBox*>(QApplication::focusWidget());
+        EXPECT_TRUE(popUp) << "a column of allowed values edits with a pop-up";
+        QStringList entries;
+        if (!popUp)
+            return entries;
+        for (int row = 0; row < popUp->count(); ++row)
+            entries.append(popUp->itemText(row));
+        const int chosen = entry < 0 ? popUp->count() + entry : entry;
+        popUp->setCurrentIndex(chosen);
+        Q_EMIT popUp->activated(chosen);
+        return entries;
+    };
+    const auto allowed = [&](int column) {
+        return *m_controller->columns().at(column).properties.keyPrototype->rangeList();
+    };
+
+    // The label shown stands for the value stored.
+    const int kind = columnOf(QStringLiteral("tile-type"));
+    const QStringList kinds = pick(kind, -1);
+    EXPECT_EQ(item().value(QStringLiteral("tile-type")), allowed(kind).last());
+    EXPECT_EQ(view().index(0, kind).data().toString(), kinds.last());
+    EXPECT_NE(kinds.last(), allowed(kind).last().toString()) << "the pop-up shows the manifest's labels";
+
+    // A nested column writes into the row's inner dictionary; its empty entry unsets.
+    const int arrangement = columnOf(QStringLiteral("tile-data.value.arrangement"));
+    const QStringList arrangements = pick(arrangement, 2);
+    ASSERT_EQ(arrangements.size(), allowed(arrangement).size() + 1);
+    EXPECT_TRUE(arrangements.first().isEmpty());
+    const auto details = [&] { return *item().value(QStringLiteral("tile-data")).dictionary(); };
+    EXPECT_EQ(details().value(QStringLiteral("arrangement")), allowed(arrangement).at(1));
+    ASSERT_TRUE(view().setData(view().index(0, columnOf(QStringLiteral("tile-data.value.label"))),
+                               QStringLiteral("Documents")));
+    EXPECT_EQ(details().value(QStringLiteral("label")), plist::Value(QStringLiteral("Documents")));
+    pick(arrangement, 0); // the empty entry
+    EXPECT_TRUE(details().value(QStringLiteral("arrangement")).isNull());
+    EXPECT_EQ(details().value(QStringLiteral("label")), plist::Value(QStringLiteral("Documents")));
 }
 
 } // namespace

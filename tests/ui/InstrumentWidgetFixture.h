@@ -41,7 +41,7 @@ protected:
 
     void open(Profile::DomainList extraDomains = {}) {
         m_domains = {PFMDomain::make(readDictionary(bundledManifest(QStringLiteral("Configuration"))))};
-        for (const char* domain : {"com.apple.domains", "com.apple.loginitems.managed"})
+        for (const char* domain : {"com.apple.domains", "com.apple.loginitems.managed", "com.apple.dock"})
             m_domains.append(PFMDomain::make(readDictionary(bundledManifest(QString::fromLatin1(domain)))));
         m_domains.append(extraDomains);
         for (const auto& domain : m_domains)
