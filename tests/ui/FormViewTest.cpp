@@ -9,6 +9,7 @@
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
+#include "ui/PropertyInfoPopover.h"
 #include "ui/SectionFormView.h"
 #include "ui/SigningRowView.h"
 #include "workspace/EditHistory.h"
@@ -28,6 +29,7 @@
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -291,6 +293,33 @@ TEST_F(ExclusionForm, TypingWritesThroughTheHistoryUndoRestoresAndTheMenuUnsets)
     EXPECT_TRUE(hostEdit()->text().isEmpty());
     EXPECT_EQ(section->errorCount(), 1);
     delete menu;
+}
+
+TEST_F(ExclusionForm, TheInfoButtonsOpenTheInformationOfTheKeyAndOfTheSectionWithoutBlocking) {
+    QTest::mouseClick(proxySwitch(), Qt::LeftButton);
+    FieldRowView* host = row(QStringLiteral("ProxyHost"));
+    auto* button = host->findChild<QToolButton*>(QStringLiteral("propertyInfoButton"));
+    ASSERT_NE(button, nullptr);
+    QTest::mouseClick(button, Qt::LeftButton);
+    auto* popover = host->findChild<PropertyInfoPopover*>(QStringLiteral("PropertyInfoPopover"));
+    ASSERT_NE(popover, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(popover));
+    EXPECT_EQ(popover->model(), host->field().propertyInfo());
+    QStringList texts;
+    for (const QLabel* label : popover->findChildren<QLabel*>())
+        texts << label->text();
+    // The key is required now that the proxy is on.
+    EXPECT_TRUE(texts.contains(InfoPanelViewModel::presenceLabel()));
+    EXPECT_TRUE(texts.contains(*host->field().propertyInfo().presence));
+    EXPECT_TRUE(texts.contains(host->field().field()->prototype().title()));
+    popover->close();
+
+    SectionFormView* form = window.view.sectionFormView();
+    PropertyInfoPopover* sectionInfo = form->openSectionInfo();
+    ASSERT_NE(sectionInfo, nullptr);
+    EXPECT_FALSE(sectionInfo->model().presence.has_value());
+    EXPECT_EQ(sectionInfo->model().title, section->primaryDomain()->title());
+    sectionInfo->close();
 }
 
 TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
