@@ -365,6 +365,39 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     EXPECT_NE(window.view.sectionFormView(), nullptr);
 }
 
+TEST(ContentView, TheNoticeOfUnfamiliarKeysNamesThemAndRemovesThem) {
+    Window window(withGeneralDomain({}));
+    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>PayloadType</key><string>Configuration</string>
+<key>PayloadVersion</key><integer>1</integer>
+<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
+<key>PayloadIdentifier</key><string>com.example.profile</string>
+<key>PayloadDisplayName</key><string>Profile</string>
+<key>MysteryKey</key><string>kept</string>
+<key>PayloadContent</key><array/>
+</dict></plist>)";
+    const auto parsed = Profile::parseProfile(profileData, withGeneralDomain({}), makeTestEnvironment());
+    ASSERT_TRUE(parsed);
+    window.profile = *parsed;
+    const Payload::Pointer root = window.profile->rootPayload();
+    ASSERT_TRUE(root->unfamiliarPreferenceKeys().has_value());
+    window.open(*window.general());
+    PayloadFormView& payload = *window.view.sectionFormView()->payloadViews().first();
+    const auto notice = payload.form().unfamiliarPropertiesNotice();
+    ASSERT_TRUE(notice.has_value());
+    EXPECT_TRUE(payload.unfamiliarNotice()->isVisibleTo(&payload));
+    EXPECT_EQ(payload.unfamiliarNotice()->text(), *notice);
+
+    QSignalSpy removals(&window.view, &ContentView::unfamiliarPropertiesRemoved);
+    auto* remove = payload.unfamiliarNotice()->parentWidget()->findChild<QPushButton*>();
+    ASSERT_NE(remove, nullptr);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    EXPECT_FALSE(root->unfamiliarPreferenceKeys().has_value());
+    EXPECT_FALSE(payload.unfamiliarNotice()->isVisibleTo(&payload));
+    EXPECT_EQ(removals.size(), 1);
+}
+
 TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
     const auto domains = withGeneralDomain({});
     const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
