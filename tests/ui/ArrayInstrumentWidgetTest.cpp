@@ -31,7 +31,8 @@ const QString loginItemsKey = QStringLiteral("AutoLaunchedApplicationDictionary-
 
 class ArrayInstrumentWidgetTest : public InstrumentWidgetFixture {
 protected:
-    // Beside the bundled domains, one whose rows hold a certificate file each.
+    // Beside the bundled domains, one whose rows hold a certificate file
+    // each, and a list of apps.
     void SetUp() override {
         const plist::Dictionary name{{QStringLiteral("pfm_name"), QStringLiteral("Name")},
                                      {QStringLiteral("pfm_type"), QStringLiteral("string")}};
@@ -44,7 +45,13 @@ protected:
         const plist::Dictionary certificates{{QStringLiteral("pfm_name"), QStringLiteral("Certificates")},
                                              {QStringLiteral("pfm_type"), QStringLiteral("array")},
                                              {QStringLiteral("pfm_subkeys"), plist::Array{item}}};
-        open({domainWithKeys(plist::Array{certificates}, certificatesDomain)});
+        const plist::Dictionary app{
+            {QStringLiteral("pfm_type"), QStringLiteral("string")},
+            {QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id")}};
+        const plist::Dictionary apps{{QStringLiteral("pfm_name"), QStringLiteral("Apps")},
+                                     {QStringLiteral("pfm_type"), QStringLiteral("array")},
+                                     {QStringLiteral("pfm_subkeys"), plist::Array{app}}};
+        open({domainWithKeys(plist::Array{certificates, apps}, certificatesDomain)});
     }
 
     // The table of a top-level array key, shown in a window of its own.
@@ -327,6 +334,19 @@ TEST_F(ArrayInstrumentWidgetTest, FileCellOfARowTakesAChosenFileOrShowsTheRefusa
     EXPECT_TRUE(refusal->isVisible());
     EXPECT_TRUE(refusal->text().contains(FileChoice::incompatibleText()));
     EXPECT_EQ(written(), plist::Value(der));
+}
+
+TEST_F(ArrayInstrumentWidgetTest, AddingToAListOfAppsAsksForTheApp) {
+    showTable(certificatesDomain, QStringLiteral("Apps"));
+    auto chooser = std::make_shared<ScriptedChooser>();
+    m_widget->setChooser(chooser);
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    EXPECT_EQ(view().rowCount(), 0) << "a cancelled choice adds no row";
+    chooser->bundleId = QStringLiteral("com.example.Notes");
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    EXPECT_EQ(writtenValue(certificatesDomain, QStringLiteral("Apps")),
+              plist::Value(plist::Array{QStringLiteral("com.example.Notes")}));
+    EXPECT_EQ(view().index(0, 0).data().toString(), QStringLiteral("com.example.Notes"));
 }
 
 } // namespace
