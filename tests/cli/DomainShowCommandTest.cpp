@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::ToolRun;
 

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace quorlin;
+using quorlin::test::lines;
 using quorlin::test::ToolProcess;
 using quorlin::test::ToolRun;
 
@@ -29,14 +30,8 @@ qsizetype bundledManifestCount() {
         .size();
 }
 
-QStringList lines(const QByteArray& output) {
-    return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
-}
-
 QJsonArray jsonArray(const QByteArray& output) {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(output, &error);
-    EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    const QJsonDocument document = test::json(output);
     EXPECT_TRUE(document.isArray());
     return document.array();
 }

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace quorlin;
+using quorlin::test::lines;
 using quorlin::test::ToolProcess;
 using quorlin::test::ToolRun;
 
@@ -49,12 +50,8 @@ std::optional<plist::Dictionary> readTree(const QString& path) {
     return *read->root.dictionary();
 }
 
-QStringList lines(const QByteArray& output) {
-    return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
-}
-
 QJsonObject jsonObject(const QByteArray& output) {
-    const QJsonDocument document = QJsonDocument::fromJson(output);
+    const QJsonDocument document = test::json(output);
     EXPECT_TRUE(document.isObject()) << output.toStdString();
     return document.object();
 }

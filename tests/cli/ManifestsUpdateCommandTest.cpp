@@ -9,7 +9,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -56,24 +55,7 @@ protected:
     }
     void TearDown() override { qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/"); }
 
-    ToolRun run(const QStringList& arguments) {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_CONFIG_HOME", m_tool.configFolder());
-        environment.insert("XDG_DATA_HOME", m_tool.dataFolder());
-        environment.insert("HOME", m_tool.path("home"));
-        process.setProcessEnvironment(environment);
-        process.start(QDir(qEnvironmentVariable("QUORLIN_BIN_DIR", QUORLIN_BINARY_DIR "/bin"))
-                          .filePath("quorlin-profile"),
-                      arguments);
-        ToolRun result;
-        if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 60000))
-            return result;
-        result.exitCode = process.exitCode();
-        result.output = process.readAllStandardOutput();
-        result.error = process.readAllStandardError();
-        return result;
-    }
+    ToolRun run(const QStringList& arguments) { return m_tool.run(arguments); }
 
     QJsonObject runJson(const QStringList& arguments, int expectedExitCode) {
         const ToolRun result = run(arguments);

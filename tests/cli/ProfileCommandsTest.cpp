@@ -10,6 +10,7 @@
 #include <functional>
 
 using namespace quorlin;
+using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::ToolRun;
 

@@ -70,10 +70,6 @@ protected:
         writeDictionary(path, profile);
     }
 
-    static QStringList lines(const QByteArray& output) {
-        return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
-    }
-
     ToolProcess m_tool;
 };
 

@@ -10,6 +10,7 @@
 #include <QProcess>
 
 using namespace quorlin;
+using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::TestCertificate;
 using quorlin::test::TestPki;

@@ -1,11 +1,18 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 namespace quorlin::test {
 
@@ -39,7 +46,15 @@ public:
         process.setWorkingDirectory(m_folder.path());
         process.start(QDir(binaryFolder()).filePath(m_executable), arguments);
         ToolRun result;
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        // The event loop keeps turning while the tool runs, so a loopback
+        // server of the test's own can answer it.
+        const QDeadlineTimer deadline(60000);
+        while (process.state() != QProcess::NotRunning && !process.waitForFinished(20)) {
+            QCoreApplication::processEvents();
+            if (deadline.hasExpired())
+                return result;
+        }
+        if (process.exitStatus() != QProcess::NormalExit)
             return result;
         result.exitCode = process.exitCode();
         result.output = process.readAllStandardOutput();
@@ -56,5 +71,17 @@ private:
     QString m_executable;
     QTemporaryDir m_folder;
 };
+
+inline QStringList lines(const QByteArray& output) {
+    return QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
+}
+
+inline QJsonDocument json(const QByteArray& output) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(output, &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString() << "\n"
+                                                     << output.toStdString();
+    return document;
+}
 
 } // namespace quorlin::test

@@ -19,11 +19,6 @@ using Types = InstrumentFactory::Types;
 
 const QString docs = QStringLiteral("https://example.com/docs");
 
-plist::Array whenPresent(const QString& target, plist::Dictionary extra = {}) {
-    return plist::Array{plist::Value(
-        rule(plist::Array{plist::Value(condition(target, "pfm_present", true))}, std::move(extra)))};
-}
-
 class FieldModelTest : public ::testing::Test {
 protected:
     void SetUp() override {

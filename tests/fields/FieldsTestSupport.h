@@ -45,6 +45,12 @@ public:
     QStringList identities;
 };
 
+// A "pfm_conditionals" (or "pfm_exclude") list of one rule: the target is present.
+inline plist::Array whenPresent(const QString& target, plist::Dictionary extra = {}) {
+    return plist::Array{plist::Value(
+        rule(plist::Array{plist::Value(condition(target, "pfm_present", true))}, std::move(extra)))};
+}
+
 inline QString placeholderText(const std::optional<plist::Value>& placeholder) {
     if (!placeholder)
         return QStringLiteral("<none>");

@@ -17,11 +17,6 @@ namespace {
 
 using namespace quorlin::test;
 
-plist::Array whenPresent(const QString& target) {
-    return plist::Array{
-        plist::Value(rule(plist::Array{plist::Value(condition(target, "pfm_present", true))}))};
-}
-
 class ScalarInstrumentsTest : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -88,6 +88,7 @@ TEST(BundledManifests, AProfileWithAPayloadOfEachDomainSavesAndReadsBackEqual) {
     const auto reread = Profile::parseProfile(*data, domains, makeTestEnvironment());
     ASSERT_TRUE(reread);
     EXPECT_EQ((*reread)->configurationPayloads().size(), domains.size() - 1);
+    EXPECT_FALSE((*reread)->rootPayload()->unfamiliarPreferenceKeys());
     for (const auto& payload : (*reread)->configurationPayloads())
         EXPECT_FALSE(payload->unfamiliarPreferenceKeys())
             << payload->domainPrototype().domainString().toStdString();

@@ -256,25 +256,5 @@ TEST_F(ProfileTest, SigningNeedsAKnownIdentity) {
     EXPECT_FALSE(profile->saveSignedWithCommonName());
 }
 
-TEST_F(ProfileTest, BundledRootMakesAProfileThatReadsBack) {
-    const QString general =
-        QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests/Configuration.plist");
-    const auto root = PFMDomain::make(readDictionary(general));
-    ASSERT_TRUE(root) << general.toStdString();
-    const Profile::DomainList domains{root, fixtureDomain("removal-password"), fixtureDomain("everything")};
-    const auto profile = Profile::makeNewProfile(domains, environment);
-    ASSERT_TRUE(profile);
-    profile->addPayload(fixtureDomain("everything"));
-    profile->rootPayload()->keyAtPath("PayloadRemovalDisallowed")->setValue(plist::Value(true));
-    const auto data = profile->profileData();
-    ASSERT_TRUE(data);
-
-    const auto reread = Profile::parseProfile(*data, domains, makeTestEnvironment());
-    ASSERT_TRUE(reread);
-    EXPECT_FALSE((*reread)->rootPayload()->unfamiliarPreferenceKeys());
-    EXPECT_EQ((*reread)->configurationPayloads().size(), 1);
-    EXPECT_EQ((*reread)->profileData(), data);
-}
-
 } // namespace
 } // namespace quorlin

@@ -100,15 +100,6 @@ TEST(XmlReaderTest, IntegersInDecimalAndHexadecimal) {
               Value::fromUnsigned(std::numeric_limits<quint64>::max()));
 }
 
-TEST(XmlReaderTest, MalformedIntegersAreErrors) {
-    for (const char* text : {"", " ", "12a", "1.5", "1e3", "0x", "0xG1", "--1", "+-1", "1 2",
-                             "18446744073709551616", "-9223372036854775809", "0x10000000000000000", "٣"}) {
-        SCOPED_TRACE(text);
-        const ParseError error = failure(inPlist(QByteArray("<integer>") + text + "</integer>"));
-        EXPECT_TRUE(error.reason.contains(QStringLiteral("integer"))) << error.reason.toStdString();
-    }
-}
-
 TEST(XmlReaderTest, RealsIncludingApplesSpecialNames) {
     EXPECT_EQ(element("<real>2.5</real>"), Value(2.5));
     EXPECT_EQ(element("<real>-2</real>"), Value(-2.0));
@@ -129,14 +120,6 @@ TEST(XmlReaderTest, RealsIncludingApplesSpecialNames) {
     EXPECT_TRUE(element("<real>1</real>").isReal());
 }
 
-TEST(XmlReaderTest, MalformedRealsAreErrors) {
-    for (const char* text : {"", "abc", "1.2.3", "1,5", "0x10", "1e", "++1", "nan nan", "1e999"}) {
-        SCOPED_TRACE(text);
-        const ParseError error = failure(inPlist(QByteArray("<real>") + text + "</real>"));
-        EXPECT_TRUE(error.reason.contains(QStringLiteral("real"))) << error.reason.toStdString();
-    }
-}
-
 TEST(XmlReaderTest, DatesOfAnyYear) {
     EXPECT_EQ(element("<date>2001-01-01T00:00:00Z</date>"), Value(Date{0}));
     EXPECT_EQ(element("<date>1900-01-01T00:00:00Z</date>"), Value(dateAt(1900, 1, 1)));
@@ -154,18 +137,6 @@ TEST(XmlReaderTest, DatesOfAnyYear) {
               QDateTime(QDate(12345, 6, 7), QTime(8, 9, 10), Qt::UTC));
 }
 
-TEST(XmlReaderTest, MalformedDatesAreErrors) {
-    for (const char* text :
-         {"", "2024-02-01", "2024-02-01T10:06:10", "2024-02-01T10:06:10+01:00", "2024-2-01T10:06:10Z",
-          "2024-13-01T00:00:00Z", "2024-00-01T00:00:00Z", "2023-02-29T00:00:00Z", "2024-04-31T00:00:00Z",
-          "2024-02-01T24:00:00Z", "2024-02-01T10:60:00Z", "2024-02-01T10:06:60Z", "2024-02-01 10:06:10Z",
-          "2024-02-01T10:06:10.5Z", "2024-02-01T10:06:10Zjunk", "1234567890-01-01T00:00:00Z", "-2024"}) {
-        SCOPED_TRACE(text);
-        const ParseError error = failure(inPlist(QByteArray("<date>") + text + "</date>"));
-        EXPECT_TRUE(error.reason.contains(QStringLiteral("date"))) << error.reason.toStdString();
-    }
-}
-
 TEST(XmlReaderTest, DataToleratesWhitespaceAndMayBeEmpty) {
     EXPECT_EQ(element("<data>\n\t\tAAEC\n\t\tAwQ=\n\t</data>"), Value(QByteArray("\x00\x01\x02\x03\x04", 5)));
     EXPECT_EQ(element("<data>A A E C A w Q</data>"), Value(QByteArray("\x00\x01\x02\x03\x04", 5)));
@@ -178,11 +149,34 @@ TEST(XmlReaderTest, DataToleratesWhitespaceAndMayBeEmpty) {
     }
 }
 
-TEST(XmlReaderTest, MalformedBase64IsAnError) {
-    for (const char* text : {"YWJj!", "YW=Jj", "Y", "YWJjZ", "YWI===", "YQ=", "YW-_", "&#0;"}) {
-        SCOPED_TRACE(text);
-        const ParseError error = failure(inPlist(QByteArray("<data>") + text + "</data>"));
-        EXPECT_FALSE(error.reason.isEmpty());
+// Each malformed text is refused with a reason that names the class it failed to be.
+TEST(XmlReaderTest, MalformedScalarsAreErrors) {
+    struct Case {
+        const char* element;
+        std::vector<const char*> texts;
+    };
+    const std::vector<Case> cases{
+        {"integer",
+         {"", " ", "12a", "1.5", "1e3", "0x", "0xG1", "--1", "+-1", "1 2", "18446744073709551616",
+          "-9223372036854775809", "0x10000000000000000", "٣"}},
+        {"real", {"", "abc", "1.2.3", "1,5", "0x10", "1e", "++1", "nan nan", "1e999"}},
+        {"date",
+         {"", "2024-02-01", "2024-02-01T10:06:10", "2024-02-01T10:06:10+01:00", "2024-2-01T10:06:10Z",
+          "2024-13-01T00:00:00Z", "2024-00-01T00:00:00Z", "2023-02-29T00:00:00Z", "2024-04-31T00:00:00Z",
+          "2024-02-01T24:00:00Z", "2024-02-01T10:60:00Z", "2024-02-01T10:06:60Z", "2024-02-01 10:06:10Z",
+          "2024-02-01T10:06:10.5Z", "2024-02-01T10:06:10Zjunk", "1234567890-01-01T00:00:00Z", "-2024"}},
+        {"data", {"YWJj!", "YW=Jj", "Y", "YWJjZ", "YWI===", "YQ=", "YW-_", "&#0;"}},
+    };
+    for (const Case& c : cases) {
+        const QByteArray name(c.element);
+        for (const char* text : c.texts) {
+            SCOPED_TRACE(name.toStdString() + " " + text);
+            const ParseError error = failure(inPlist("<" + name + ">" + text + "</" + name + ">"));
+            if (name == "data")
+                EXPECT_FALSE(error.reason.isEmpty());
+            else
+                EXPECT_TRUE(error.reason.contains(QString::fromLatin1(name))) << error.reason.toStdString();
+        }
     }
 }
 

@@ -12,6 +12,7 @@ using plist::Value;
 using quorlin::test::itemTree;
 using quorlin::test::keyTree;
 using quorlin::test::manifestTree;
+using quorlin::test::withSubkeys;
 using Category = PFMDomain::Category;
 using Model = PFMSupportedPlatforms::Model;
 using Stage = PFMSupportedPlatforms::LifeCycleStage;
@@ -23,11 +24,6 @@ const Array threeKeys{keyTree("Host", "string"), keyTree("Port", "integer"), key
 
 std::shared_ptr<const PFMDomain> domainWith(const Dictionary& extra, const Array& keys = threeKeys) {
     return PFMDomain::make(manifestTree("com.example.test", keys, extra));
-}
-
-Dictionary withSubkeys(Dictionary key, const Array& subkeys) {
-    key.insert(QStringLiteral("pfm_subkeys"), subkeys);
-    return key;
 }
 
 // Display group index of each top-level key, by name; -1 for none.
@@ -67,34 +63,6 @@ TEST(DomainRequiredFields, KeyListMayComeOutEmpty) {
     ASSERT_TRUE(allUnreadable);
     EXPECT_TRUE(allUnreadable->keyPrototypes().isEmpty());
     EXPECT_TRUE(allUnreadable->allKeyNames().isEmpty());
-}
-
-TEST(DomainDefaults, HoldForTheSmallestManifest) {
-    const auto domain = PFMDomain::make(manifestTree("com.example.test", threeKeys));
-    ASSERT_TRUE(domain);
-    EXPECT_EQ(domain->title(), QStringLiteral("Test Payload"));
-    EXPECT_EQ(domain->descriptionline(), QStringLiteral("Settings for tests"));
-    EXPECT_EQ(domain->domainString(), QStringLiteral("com.example.test"));
-    EXPECT_EQ(domain->formatVersion(), 1);
-    EXPECT_FALSE(domain->version());
-    EXPECT_FALSE(domain->required());
-    EXPECT_FALSE(domain->singlePayload());
-    EXPECT_EQ(domain->sortPriority(), 999u);
-    EXPECT_FALSE(domain->fileBasedPayload());
-    EXPECT_EQ(domain->keyPrototypes().size(), 3);
-    EXPECT_FALSE(domain->targets());
-    EXPECT_FALSE(domain->payloadFileNameSubkeyName());
-    EXPECT_FALSE(domain->payloadFileDataSubkeyName());
-    EXPECT_FALSE(domain->payloadFileDataSubkeyPrototype());
-    EXPECT_EQ(domain->domainCategory(), Category::user);
-    EXPECT_FALSE(domain->icon());
-    EXPECT_FALSE(domain->iconIsTemplate());
-    EXPECT_FALSE(domain->displayGroupsLabelMap());
-    EXPECT_FALSE(domain->supportedOSes());
-    EXPECT_FALSE(domain->requiresSupervision());
-    EXPECT_FALSE(domain->documentationURL());
-    EXPECT_FALSE(domain->note());
-    EXPECT_FALSE(domain->containsSupervisedOnlyKeys());
 }
 
 TEST(DomainFields, AreReadFromValuesOfTheirType) {

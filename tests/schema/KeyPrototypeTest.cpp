@@ -11,6 +11,7 @@ using plist::Dictionary;
 using plist::Value;
 using quorlin::test::itemTree;
 using quorlin::test::keyTree;
+using quorlin::test::withSubkeys;
 using Kind = PFMKeyPrototype::Kind;
 using Represented = PFMKeyPrototype::RepresentableDictionary;
 
@@ -19,11 +20,6 @@ namespace {
 std::shared_ptr<const PFMKeyPrototype> parseKey(const Dictionary& dictionary,
                                                 bool allowsMissingName = false) {
     return PFMKeyPrototype::make(dictionary, allowsMissingName);
-}
-
-Dictionary withSubkeys(Dictionary key, const Array& subkeys) {
-    key.insert(QStringLiteral("pfm_subkeys"), subkeys);
-    return key;
 }
 
 } // namespace
@@ -61,45 +57,6 @@ TEST(KeyPrototypeNames, AreMandatoryUnlessTheCallerAllowsItems) {
 
     const auto titled = parseKey(itemTree("string", {{"pfm_title", "Server"}}), true);
     EXPECT_EQ(titled->title(), QStringLiteral("Server"));
-}
-
-TEST(KeyPrototypeDefaults, HoldForAKeyThatGivesOnlyNameAndType) {
-    const auto key = parseKey(keyTree("allowCamera", "boolean"));
-    ASSERT_TRUE(key);
-    EXPECT_EQ(key->name(), QStringLiteral("allowCamera"));
-    EXPECT_EQ(key->title(), QStringLiteral("Allow Camera"));
-    EXPECT_EQ(key->descriptionLine(), QString());
-    EXPECT_FALSE(key->format());
-    EXPECT_FALSE(key->rangeMin());
-    EXPECT_FALSE(key->rangeMax());
-    EXPECT_FALSE(key->rangeList());
-    EXPECT_FALSE(key->defaultValue());
-    EXPECT_TRUE(key->subkeys().isEmpty());
-    EXPECT_FALSE(key->required());
-    EXPECT_TRUE(key->conditionalPrototypes().isEmpty());
-    EXPECT_FALSE(key->repetitionMin());
-    EXPECT_FALSE(key->repetitionMax());
-    EXPECT_FALSE(key->defaultGenerate());
-    EXPECT_TRUE(key->userVisible());
-    EXPECT_TRUE(key->userEditable());
-    EXPECT_FALSE(key->controlType());
-    EXPECT_FALSE(key->sortingIndex());
-    EXPECT_FALSE(key->ghost());
-    EXPECT_FALSE(key->prettyRangeList());
-    EXPECT_FALSE(key->valuePlaceholder());
-    EXPECT_EQ(key->indentationLevel(), 0);
-    EXPECT_FALSE(key->displayGroupIndex());
-    EXPECT_FALSE(key->allowedFileExtensions());
-    EXPECT_FALSE(key->allowedDataSignatures());
-    EXPECT_FALSE(key->typeAdapter());
-    EXPECT_FALSE(key->requiresSupervision());
-    EXPECT_FALSE(key->documentationURL());
-    EXPECT_FALSE(key->supportedModels());
-    EXPECT_FALSE(key->lifeCycleVersions());
-    EXPECT_FALSE(key->supportedOSes());
-    EXPECT_FALSE(key->suggestions());
-    EXPECT_FALSE(key->note());
-    EXPECT_EQ(key->representedDictionary(), Represented::notADictionary);
 }
 
 TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
@@ -519,41 +476,26 @@ TEST(KeyPrototypeMatchesValue, CustomDictionariesTakeAnyDictionaryAndArraysNeedA
     EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Array{}));
 }
 
-TEST(KeyPrototypeEmpty, IsAStringKeyWithAPlaceholderName) {
-    const auto empty = PFMKeyPrototype::makeEmpty();
-    ASSERT_TRUE(empty->name());
-    EXPECT_FALSE(empty->name()->isEmpty());
-    EXPECT_EQ(empty->title(), QStringLiteral("Empty prototype"));
-    EXPECT_EQ(empty->descriptionLine(), QStringLiteral("Empty prototype"));
-    EXPECT_EQ(empty->kind(), Kind::string);
-}
-
-TEST(TitleFromKeyName, KeepsSpacedNamesAndCapitalisesPlainOnes) {
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allow camera use"), QStringLiteral("allow camera use"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("Allow_Camera Use"), QStringLiteral("Allow_Camera Use"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("enabled"), QStringLiteral("Enabled"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("Payload"), QStringLiteral("Payload"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(""), QString());
-}
-
-TEST(TitleFromKeyName, BreaksCamelCaseRunsOfCapitalsAndUnderscores) {
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allowCameraUse"), QStringLiteral("Allow Camera Use"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("HTTPServerURL"), QStringLiteral("HTTP Server URL"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("isHTTPSEnabled"), QStringLiteral("Is HTTPS Enabled"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("DNSSettings"), QStringLiteral("DNS Settings"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("URL"), QStringLiteral("URL"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("allow_camera"), QStringLiteral("Allow camera"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("use_VPN"), QStringLiteral("Use VPN"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("wifi_autoJoin"), QStringLiteral("Wifi auto Join"));
-}
-
-TEST(TitleFromKeyName, KeepsDigitsWithTheWordBeforeThem) {
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("SHA256Fingerprint"), QStringLiteral("SHA256 Fingerprint"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("port8080Enabled"), QStringLiteral("Port8080 Enabled"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("X509CertificateData"),
-              QStringLiteral("X509 Certificate Data"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("DNS64Prefix"), QStringLiteral("DNS64 Prefix"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("maxRetries3"), QStringLiteral("Max Retries3"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("ipv6"), QStringLiteral("Ipv6"));
-    EXPECT_EQ(PFMKeyPrototype::titleFromKeyName("use_802_1x"), QStringLiteral("Use 802 1x"));
+TEST(TitleFromKeyName, BreaksWordsAtCaseChangesAndUnderscoresButKeepsSpacedNames) {
+    const std::vector<std::pair<const char*, const char*>> cases{
+        {"allow camera use", "allow camera use"},
+        {"Allow_Camera Use", "Allow_Camera Use"},
+        {"enabled", "Enabled"},
+        {"", ""},
+        {"allowCameraUse", "Allow Camera Use"},
+        {"HTTPServerURL", "HTTP Server URL"},
+        {"isHTTPSEnabled", "Is HTTPS Enabled"},
+        {"URL", "URL"},
+        {"allow_camera", "Allow camera"},
+        {"use_VPN", "Use VPN"},
+        {"wifi_autoJoin", "Wifi auto Join"},
+        // Digits stay with the word before them.
+        {"SHA256Fingerprint", "SHA256 Fingerprint"},
+        {"port8080Enabled", "Port8080 Enabled"},
+        {"DNS64Prefix", "DNS64 Prefix"},
+        {"maxRetries3", "Max Retries3"},
+        {"use_802_1x", "Use 802 1x"},
+    };
+    for (const auto& [name, title] : cases)
+        EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(name), QString::fromUtf8(title)) << name;
 }

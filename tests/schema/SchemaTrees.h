@@ -19,6 +19,11 @@ inline plist::Dictionary itemTree(const QString& type, plist::Dictionary extra =
     return extra;
 }
 
+inline plist::Dictionary withSubkeys(plist::Dictionary key, const plist::Array& subkeys) {
+    key.insert(QStringLiteral("pfm_subkeys"), subkeys);
+    return key;
+}
+
 // The smallest manifest that makes a domain; further entries are added or replace its own.
 inline plist::Dictionary manifestTree(const QString& domain, const plist::Array& subkeys,
                                       const plist::Dictionary& extra = {}) {

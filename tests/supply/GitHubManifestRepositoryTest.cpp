@@ -1,12 +1,12 @@
+#include "StandardizationFixtures.h"
+#include "SupplyFixtures.h"
+
 #include "supply/GitHubManifestRepository.h"
 
-#include "plist/PlistReader.h"
-#include "plist/XmlWriter.h"
 #include "support/LocalHttpServer.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
@@ -25,33 +25,12 @@ const QString kAddress = QStringLiteral("https://github.com/owner/manifests");
 const QString kBranch = QStringLiteral("main");
 const QString kRawRoot = QStringLiteral("owner/manifests/main");
 
-void copyTree(const QString& from, const QString& to) {
-    QDirIterator files(from, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString file = files.next();
-        const QString target = to + u'/' + QDir(from).relativeFilePath(file);
-        QDir().mkpath(QFileInfo(target).absolutePath());
-        QFile::copy(file, target);
-    }
-}
-
-plist::Dictionary readDictionary(const QString& path) {
-    const auto read = plist::PlistReader::read(quorlin::test::readFile(path));
-    return read && read->root.dictionary() ? *read->root.dictionary() : plist::Dictionary();
-}
-
-void writeDictionary(const QString& path, const plist::Dictionary& dictionary) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(*plist::XmlWriter::write(dictionary));
-}
-
 // A copy of the manifest corpus served in GitHub's raw layout by a server on
 // the loopback interface, and a store the repository mirrors it into.
 class GitHubManifestRepositoryTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        copyTree(quorlin::test::corpusPath("profile-manifests/Manifests"), rawPath("Manifests"));
+        ASSERT_TRUE(test::copyFolder(test::corpusPath("profile-manifests/Manifests"), rawPath("Manifests")));
         ASSERT_TRUE(QFileInfo::exists(rawPath("Manifests/index")));
         ASSERT_TRUE(m_server.listen());
         qputenv("QUORLIN_RAW_CONTENT_URL", m_server.baseUrl().toString().toUtf8());
@@ -73,8 +52,10 @@ protected:
     }
 
     // Entries of the served index: category, domain and its entry.
-    plist::Dictionary servedIndex() const { return readDictionary(rawPath("Manifests/index")); }
-    void serveIndex(const plist::Dictionary& index) { writeDictionary(rawPath("Manifests/index"), index); }
+    plist::Dictionary servedIndex() const { return test::readDictionary(rawPath("Manifests/index")); }
+    void serveIndex(const plist::Dictionary& index) {
+        ASSERT_TRUE(test::writeManifest(rawPath("Manifests/index"), index));
+    }
 
     QStringList manifestRequests() const {
         QStringList paths = m_server.requestedPaths();
@@ -130,9 +111,9 @@ TEST_F(GitHubManifestRepositoryTest, ASecondCheckFetchesOnlyWhatChangedAndReport
     // One manifest changes, with a later date in the index.
     plist::Dictionary dockEntry = *apple.dictionary("com.apple.dock");
     const QString dockPath = *dockEntry.string("path");
-    plist::Dictionary dock = readDictionary(rawPath(dockPath));
+    plist::Dictionary dock = test::readDictionary(rawPath(dockPath));
     dock.insert("pfm_title", "Dock, changed");
-    writeDictionary(rawPath(dockPath), dock);
+    ASSERT_TRUE(test::writeManifest(rawPath(dockPath), dock));
     dockEntry.insert("modified", plist::Date{dockEntry.date("modified")->secondsSinceReferenceDate + 86400});
     apple.insert("com.apple.dock", dockEntry);
     // One domain goes.
