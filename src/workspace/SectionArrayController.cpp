@@ -80,16 +80,24 @@ void SectionArrayController::rearrangeObjects() {
         if (row >= 0)
             m_selectionIndexes.append(int(row));
     }
+    std::sort(m_selectionIndexes.begin(), m_selectionIndexes.end());
+    const bool selectionLost = m_selectionIndexes.size() != selected.size();
     Q_EMIT arrangedObjectsChanged();
+    if (selectionLost)
+        Q_EMIT selectionChanged();
 }
 
 void SectionArrayController::setSelectionIndexes(const QList<int>& rows) {
-    m_selectionIndexes.clear();
+    QList<int> valid;
     for (const int row : rows) {
-        if (row >= 0 && row < m_arrangedObjects.size() && !m_selectionIndexes.contains(row))
-            m_selectionIndexes.append(row);
+        if (row >= 0 && row < m_arrangedObjects.size() && !valid.contains(row))
+            valid.append(row);
     }
-    std::sort(m_selectionIndexes.begin(), m_selectionIndexes.end());
+    std::sort(valid.begin(), valid.end());
+    if (valid == m_selectionIndexes)
+        return;
+    m_selectionIndexes = valid;
+    Q_EMIT selectionChanged();
 }
 
 PFMSection* SectionArrayController::selectedObject() const {

@@ -55,6 +55,9 @@ public:
 
 Q_SIGNALS:
     void arrangedObjectsChanged();
+    // The selected sections changed, by a call or because a re-sort or a
+    // filter dropped one; after arrangedObjectsChanged when both happen.
+    void selectionChanged();
     void badgeChanged(PFMSection* section);
 
 private:

@@ -1,0 +1,109 @@
+// The time from selecting the section of the largest bundled domain to its
+// form shown and laid out, on the offscreen platform: the form's logic, the
+// widgets of the rows it shows, one layout pass. Each run starts from a new
+// profile; the median and the slowest run are printed.
+#include "model/Profile.h"
+#include "model/ProfileEnvironment.h"
+#include "schema/PFMDomain.h"
+#include "ui/ContentView.h"
+#include "ui/PayloadFormView.h"
+#include "ui/SectionFormView.h"
+#include "workspace/EditHistory.h"
+#include "workspace/PFMSection.h"
+#include "workspace/PFMSectionViewController.h"
+
+#include "ManifestFolder.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+using namespace quorlin;
+
+namespace {
+
+using DomainPointer = std::shared_ptr<const PFMDomain>;
+
+int countKeys(const PFMKeyPrototypeList& keys) {
+    int count = 0;
+    for (const auto& key : keys)
+        count += 1 + countKeys(key->subkeys());
+    return count;
+}
+
+struct Run {
+    double logicMs = 0;
+    double totalMs = 0;
+    int rows = 0;
+    int rowsBuilt = 0;
+};
+
+Run showForm(const Profile::DomainList& domains, const DomainPointer& domain) {
+    const auto profile = Profile::makeNewProfile(domains, ProfileEnvironment::makeSystem());
+    PFMSection section(domain);
+    EditHistory history;
+    section.setKeyValueWriter(history.keyValueWriter());
+    ContentView view;
+    view.resize(900, 700);
+    view.show();
+    QApplication::processEvents();
+
+    QElapsedTimer timer;
+    timer.start();
+    section.addPayload(profile, std::nullopt);
+    const qint64 logic = timer.nsecsElapsed();
+    view.setSection(&section);
+    // Lays out and paints what the first show needs.
+    QApplication::processEvents();
+    view.grab();
+    const qint64 total = timer.nsecsElapsed();
+
+    Run run{logic / 1e6, total / 1e6, 0, 0};
+    for (const PayloadFormView* payload : view.sectionFormView()->payloadViews()) {
+        run.rows += int(payload->rows().size());
+        run.rowsBuilt += int(std::count_if(payload->rows().begin(), payload->rows().end(),
+                                           [](const QWidget* row) { return row != nullptr; }));
+    }
+    return run;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const auto domains = bench::readDomains(QStringLiteral(QUORLIN_BUNDLED_MANIFESTS));
+    DomainPointer largest;
+    for (const auto& domain : domains) {
+        if (domain->domainString().isEmpty())
+            continue;
+        if (!largest || countKeys(domain->keyPrototypes()) > countKeys(largest->keyPrototypes()))
+            largest = domain;
+    }
+    if (!largest) {
+        std::fprintf(stderr, "no bundled domain besides the general one\n");
+        return 1;
+    }
+    constexpr int runs = 9;
+    std::vector<Run> results;
+    for (int index = 0; index < runs; ++index)
+        results.push_back(showForm(domains, largest));
+    std::vector<double> totals;
+    std::vector<double> logic;
+    for (const Run& run : results) {
+        totals.push_back(run.totalMs);
+        logic.push_back(run.logicMs);
+    }
+    std::sort(totals.begin(), totals.end());
+    std::sort(logic.begin(), logic.end());
+    std::printf("largest bundled domain %s: %d keys, %d rows, %d built at first show\n",
+                qPrintable(largest->domainString()), countKeys(largest->keyPrototypes()),
+                results.front().rows, results.front().rowsBuilt);
+    std::printf("form shown (logic + widgets + layout), %d runs: median %.1f ms, slowest %.1f ms\n", runs,
+                totals[runs / 2], totals.back());
+    std::printf("of which the logic's form alone: median %.1f ms\n", logic[runs / 2]);
+    return 0;
+}

@@ -1,0 +1,281 @@
+#include "ui/FieldRowView.h"
+
+#include "ui/HighlightedText.h"
+#include "ui/InstrumentWidgetFactory.h"
+#include "ui/PropertyInfoPopover.h"
+#include "ui/TagLabel.h"
+
+#include <QDesktopServices>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QStyle>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace quorlin {
+
+namespace {
+
+using MenuAction = FieldViewController::MenuAction;
+
+QString menuTitle(MenuAction action) {
+    switch (action) {
+    case MenuAction::unsetOnPayload:
+        return QStringLiteral("Unset Value");
+    case MenuAction::setPropertyToDefaultValue:
+        return QStringLiteral("Set to Default Value");
+    case MenuAction::forceEmptyValue:
+        return QStringLiteral("Force Empty Value");
+    case MenuAction::openPropertyInfoPanel:
+        return QStringLiteral("Property Info");
+    }
+    return QString();
+}
+
+QLabel* richLabel(QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::RichText);
+    label->setWordWrap(true);
+    return label;
+}
+
+// A left click on the write-out dot opens the row's menu, as a right click does.
+class ClickMenuFilter : public QObject {
+public:
+    ClickMenuFilter(FieldRowView& row)
+        : QObject(&row)
+        , m_row(row) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::MouseButtonPress)
+            return QObject::eventFilter(watched, event);
+        auto* press = static_cast<QMouseEvent*>(event);
+        QMenu* menu = m_row.makeContextMenu(&m_row);
+        menu->popup(press->globalPosition().toPoint());
+        return true;
+    }
+
+private:
+    FieldRowView& m_row;
+};
+
+void setTextIfChanged(QLabel* label, const QString& text) {
+    if (label->text() != text)
+        label->setText(text);
+}
+
+} // namespace
+
+FieldRowView::FieldRowView(std::shared_ptr<FieldViewController> field, QWidget* parent)
+    : QWidget(parent)
+    , m_field(std::move(field)) {
+    setObjectName(QStringLiteral("field:") + m_field->field()->name());
+    auto* layout = new QVBoxLayout(this);
+    const int indent = m_field->leadingPadding() * fontMetrics().averageCharWidth() / 7;
+    const int gap = fontMetrics().height() / 4;
+    layout->setContentsMargins(indent + gap * 2, gap * 2, gap * 2, gap * 2);
+    layout->setSpacing(gap);
+    buildTitleRow();
+    buildInstrumentRow();
+    buildDetailsRow();
+    m_error = richLabel(this);
+    m_error->setObjectName(QStringLiteral("fieldError"));
+    m_error->setTextFormat(Qt::PlainText);
+    m_error->setStyleSheet(QStringLiteral("QLabel { color: #d0302b; }"));
+    layout->addWidget(m_error);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& position) { makeContextMenu(this)->popup(mapToGlobal(position)); });
+    refresh();
+}
+
+FieldRowView::~FieldRowView() {
+    // The instruments detach while the field still holds them.
+    qDeleteAll(m_instruments);
+    m_instruments.clear();
+}
+
+void FieldRowView::buildTitleRow() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().averageCharWidth());
+    m_title = richLabel(this);
+    m_title->setObjectName(QStringLiteral("fieldTitle"));
+    QFont bold = m_title->font();
+    bold.setBold(true);
+    m_title->setFont(bold);
+    m_writeOut = new QLabel(QStringLiteral("\u25CF"), this);
+    m_writeOut->setObjectName(QStringLiteral("writeOutIndicator"));
+    m_writeOut->setToolTip(QStringLiteral("Written to the profile"));
+    m_writeOut->setStyleSheet(QStringLiteral("QLabel { color: palette(highlight); }"));
+    m_writeOut->installEventFilter(new ClickMenuFilter(*this));
+    m_documentationButton = new QToolButton(this);
+    m_documentationButton->setText(QStringLiteral("Documentation"));
+    m_documentationButton->setAutoRaise(true);
+    m_documentationButton->setAccessibleName(QStringLiteral("Documentation"));
+    connect(m_documentationButton, &QToolButton::clicked, this, [this] {
+        if (const auto url = m_field->details().documentationURL())
+            QDesktopServices::openUrl(*url);
+    });
+    m_infoButton = new QToolButton(this);
+    m_infoButton->setObjectName(QStringLiteral("propertyInfoButton"));
+    m_infoButton->setText(QStringLiteral("?"));
+    m_infoButton->setAutoRaise(true);
+    m_infoButton->setFocusPolicy(Qt::NoFocus);
+    m_infoButton->setAccessibleName(QStringLiteral("Property Info"));
+    connect(m_infoButton, &QToolButton::clicked, this, [this] { openPropertyInfo(); });
+    row->addWidget(m_title, 1);
+    row->addWidget(m_writeOut);
+    row->addWidget(m_documentationButton);
+    row->addWidget(m_infoButton);
+    static_cast<QVBoxLayout*>(layout())->addLayout(row);
+    m_description = richLabel(this);
+    m_description->setObjectName(QStringLiteral("fieldDescription"));
+    QFont small = m_description->font();
+    small.setPointSizeF(small.pointSizeF() - 1);
+    m_description->setFont(small);
+    m_description->setForegroundRole(QPalette::PlaceholderText);
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_description);
+}
+
+void FieldRowView::buildInstrumentRow() {
+    auto* mainLayout = static_cast<QVBoxLayout*>(layout());
+    const bool isBoolean = m_field->arrangement() == FieldViewController::Arrangement::boolean;
+    for (const auto& instrument : m_field->instruments()) {
+        QWidget* widget = InstrumentWidgetFactory::makeWidget(*m_field, *instrument, this);
+        m_instruments.append(widget);
+        if (isBoolean) {
+            // The check box goes before its title, as one line.
+            auto* titleRow = static_cast<QHBoxLayout*>(mainLayout->itemAt(0)->layout());
+            titleRow->insertWidget(0, widget);
+        } else {
+            mainLayout->addWidget(widget);
+        }
+    }
+    if (isBoolean) {
+        // The description reads under the check box's line, not between.
+        mainLayout->removeWidget(m_description);
+        mainLayout->addWidget(m_description);
+    }
+}
+
+void FieldRowView::buildDetailsRow() {
+    m_details = new QWidget(this);
+    m_details->setObjectName(QStringLiteral("fieldDetails"));
+    m_detailsLayout = new QHBoxLayout(m_details);
+    m_detailsLayout->setContentsMargins(0, 0, 0, 0);
+    m_detailsLayout->setSpacing(fontMetrics().averageCharWidth());
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_details);
+}
+
+void FieldRowView::refresh() {
+    const FieldViewController& field = *m_field;
+    const auto title = field.displayTitle();
+    const auto shown = title.text.isEmpty() ? field.displayName() : title;
+    setTextIfChanged(m_title, HighlightedText::html(shown.text, shown.highlights, shown.isDimmed));
+    m_description->setVisible(!field.hideDescription());
+    if (!field.hideDescription()) {
+        const auto description = field.displayDescription();
+        setTextIfChanged(m_description, HighlightedText::html(description.text, description.highlights));
+    }
+    m_writeOut->setVisible(field.showsWriteOutIndicator());
+    m_documentationButton->setVisible(field.details().showsDocumentationButton());
+    for (QWidget* widget : m_instruments)
+        widget->setEnabled(field.isEnabled());
+    const auto error = field.error();
+    m_error->setVisible(error.has_value());
+    setTextIfChanged(m_error, error.value_or(QString()));
+    refreshDetails();
+}
+
+QString FieldRowView::detailsSignature() const {
+    const FieldDetailsViewController& details = m_field->details();
+    if (details.allDetailsAreHidden())
+        return QString();
+    QStringList parts;
+    if (details.showsPropertyName()) {
+        const auto name = m_field->displayName();
+        parts << HighlightedText::html(name.text, name.highlights, name.isDimmed);
+    }
+    parts << QString::number(details.showsRequiredTag()) << QString::number(details.showsSupervisedOnlyTag());
+    for (TextRange range : details.highlightedTermMatchesSupervision())
+        parts << QStringLiteral("%1+%2").arg(range.start).arg(range.length);
+    for (const PlatformTag& tag : details.platformTags())
+        parts << tag.text() << tag.toolTip().value_or(QString());
+    return parts.join(QLatin1Char('\n'));
+}
+
+void FieldRowView::refreshDetails() {
+    const FieldDetailsViewController& details = m_field->details();
+    // Rebuilding the tags of every row at each keystroke would cost more
+    // than the edit; only a row whose details changed rebuilds them.
+    QString signature = detailsSignature();
+    if (m_detailsBuilt && signature == m_detailsSignature)
+        return;
+    m_detailsBuilt = true;
+    m_detailsSignature = std::move(signature);
+    while (QLayoutItem* item = m_detailsLayout->takeAt(0)) {
+        delete item->widget();
+        delete item;
+    }
+    m_details->setVisible(!details.allDetailsAreHidden());
+    if (details.allDetailsAreHidden())
+        return;
+    if (details.showsPropertyName()) {
+        const auto name = m_field->displayName();
+        auto* label = new QLabel(m_details);
+        label->setObjectName(QStringLiteral("propertyName"));
+        label->setTextFormat(Qt::RichText);
+        label->setText(HighlightedText::html(name.text, name.highlights, name.isDimmed));
+        label->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        m_detailsLayout->addWidget(label);
+    }
+    if (details.showsRequiredTag())
+        m_detailsLayout->addWidget(new TagLabel(FieldDetailsViewController::requiredTagText(), m_details));
+    if (details.showsSupervisedOnlyTag())
+        m_detailsLayout->addWidget(
+            new TagLabel(HighlightedText::html(FieldDetailsViewController::supervisedOnlyTagText(),
+                                               details.highlightedTermMatchesSupervision()),
+                         m_details));
+    for (const PlatformTag& tag : details.platformTags())
+        m_detailsLayout->addWidget(TagLabel::platform(tag, m_details));
+    m_detailsLayout->addStretch(1);
+}
+
+QMenu* FieldRowView::makeContextMenu(QWidget* parent) {
+    auto* menu = new QMenu(parent);
+    menu->setObjectName(QStringLiteral("fieldContextMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const MenuAction action : {MenuAction::unsetOnPayload, MenuAction::setPropertyToDefaultValue,
+                                    MenuAction::forceEmptyValue, MenuAction::openPropertyInfoPanel}) {
+        QAction* item = menu->addAction(menuTitle(action));
+        item->setData(int(action));
+        item->setEnabled(m_field->validateMenuItem(action));
+        connect(item, &QAction::triggered, this, [this, action] { perform(action); });
+    }
+    return menu;
+}
+
+void FieldRowView::perform(MenuAction action) {
+    if (action == MenuAction::openPropertyInfoPanel) {
+        openPropertyInfo();
+        return;
+    }
+    m_field->perform(action);
+    m_field->refresh();
+    refresh();
+}
+
+PropertyInfoPopover* FieldRowView::openPropertyInfo() {
+    if (m_popover)
+        m_popover->close();
+    m_popover = new PropertyInfoPopover(m_field->propertyInfo(), this);
+    m_popover->showBelow(m_infoButton);
+    return m_popover;
+}
+
+} // namespace quorlin

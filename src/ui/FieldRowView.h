@@ -1,0 +1,66 @@
+#pragma once
+
+#include "fields/FieldViewController.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+
+class QHBoxLayout;
+class QLabel;
+class QMenu;
+class QToolButton;
+
+namespace quorlin {
+
+class PropertyInfoPopover;
+
+// One row of a payload form: title, description, the instrument, the
+// details (name, tags, documentation), the write-out dot and the error.
+// Everything it shows it reads from its field's model, again after each
+// change the model announces; it decides nothing itself.
+class FieldRowView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FieldRowView(std::shared_ptr<FieldViewController> field, QWidget* parent = nullptr);
+    ~FieldRowView() override;
+
+    FieldViewController& field() const { return *m_field; }
+    // Re-reads everything the row shows from the model.
+    void refresh();
+
+    // The row's context menu with each action enabled as the model says.
+    QMenu* makeContextMenu(QWidget* parent);
+    // Opens the information of the key; the popover closes as a pop-up does.
+    PropertyInfoPopover* openPropertyInfo();
+
+    QLabel* titleLabel() const { return m_title; }
+    QLabel* errorLabel() const { return m_error; }
+    const QList<QWidget*>& instrumentWidgets() const { return m_instruments; }
+
+private:
+    void buildTitleRow();
+    void buildInstrumentRow();
+    void buildDetailsRow();
+    void refreshDetails();
+    QString detailsSignature() const;
+    void perform(FieldViewController::MenuAction action);
+
+    std::shared_ptr<FieldViewController> m_field;
+    QLabel* m_title = nullptr;
+    QLabel* m_writeOut = nullptr;
+    QToolButton* m_infoButton = nullptr;
+    QToolButton* m_documentationButton = nullptr;
+    QLabel* m_description = nullptr;
+    QWidget* m_details = nullptr;
+    QHBoxLayout* m_detailsLayout = nullptr;
+    QLabel* m_error = nullptr;
+    QList<QWidget*> m_instruments;
+    QString m_detailsSignature;
+    bool m_detailsBuilt = false;
+    QPointer<PropertyInfoPopover> m_popover;
+};
+
+} // namespace quorlin

@@ -1,0 +1,27 @@
+#include "ui/TagLabel.h"
+
+namespace quorlin {
+
+TagLabel::TagLabel(const QString& html, QWidget* parent)
+    : QLabel(parent) {
+    setTextFormat(Qt::RichText);
+    setText(html);
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    setFont(small);
+    const int padding = fontMetrics().averageCharWidth() / 2 + 1;
+    setContentsMargins(padding, 0, padding, 0);
+    setStyleSheet(QStringLiteral("QLabel { border: 1px solid palette(mid); border-radius: %1px; }")
+                      .arg(fontMetrics().height() / 3));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+TagLabel* TagLabel::platform(const PlatformTag& tag, QWidget* parent) {
+    auto* label = new TagLabel(tag.text().toHtmlEscaped(), parent);
+    label->setObjectName(QStringLiteral("platformTag"));
+    if (const auto toolTip = tag.toolTip())
+        label->setToolTip(*toolTip);
+    return label;
+}
+
+} // namespace quorlin

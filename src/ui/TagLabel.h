@@ -1,0 +1,19 @@
+#pragma once
+
+#include "fields/PlatformTag.h"
+
+#include <QLabel>
+
+namespace quorlin {
+
+// The small rounded label of a row's or section's details: a platform,
+// "Required" or "Supervised only". Its size follows the font.
+class TagLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit TagLabel(const QString& html, QWidget* parent = nullptr);
+    static TagLabel* platform(const PlatformTag& tag, QWidget* parent = nullptr);
+};
+
+} // namespace quorlin
