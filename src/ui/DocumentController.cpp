@@ -49,6 +49,8 @@ DocumentController::~DocumentController() {
 
 DocumentWindow* DocumentController::makeWindow(std::unique_ptr<ProfileDocument> document) {
     auto* window = new DocumentWindow(std::move(document), m_supply.domains(), m_defaults, m_actions);
+    if (m_supply.isIdentityTrusted)
+        window->setSigningIdentityTrust(m_supply.isIdentityTrusted);
     connect(window, &DocumentWindow::closeRequested, this,
             [this](DocumentWindow* closing) { closeDocument(closing); });
     connect(window, &DocumentWindow::revertRequested, this, &DocumentController::revertToSaved);

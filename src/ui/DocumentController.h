@@ -37,6 +37,8 @@ public:
     struct Supply {
         std::function<Profile::DomainList()> domains;
         std::function<std::shared_ptr<const ProfileEnvironment>()> environment;
+        // Whether an identity's chain is trusted, for the signing choice of the form.
+        std::function<bool(const QString& identityName)> isIdentityTrusted;
     };
 
     static inline const QString recentDocumentsKey = QStringLiteral("recentDocumentPaths");

@@ -524,6 +524,13 @@ void DocumentWindow::followSelection(PFMSection* now, PFMSection* left) {
     updateCommandStates();
 }
 
+void DocumentWindow::setSigningIdentityTrust(std::function<bool(const QString& identityName)> isTrusted) {
+    m_content->setSigningIdentityTrust(std::move(isTrusted));
+    // The form shown was built without it.
+    m_content->setSection(nullptr);
+    m_content->setSection(m_selectedSection);
+}
+
 void DocumentWindow::selectSection(PFMSection* section) {
     m_filter->selectSection(section);
 }
@@ -627,13 +634,6 @@ QStringList DocumentWindow::payloadTitles(const PFMSection& section) const {
 void DocumentWindow::removePayloads(PFMSection& section, const QList<int>& payloadIndexes) {
     if (!CommandAvailability::removePayload(&section).enabled)
         return;
-    if (section.sectionKind() == PFMSection::Kinds::unfamiliar) {
-        // Payloads that no manifest knows have no form to undo into; they go
-        // with their section.
-        m_sections.removeObject(&section);
-        countUntrackedEdit();
-        return;
-    }
     QList<int> indexes = payloadIndexes;
     if (indexes.isEmpty() && section.payloadsConfigured() == 1)
         indexes = {0};

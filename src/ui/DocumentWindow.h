@@ -54,6 +54,8 @@ public:
     PFMSection* selectedSection() const { return m_selectedSection; }
     ValidationSettings& validationSettings() const { return *m_validationSettings; }
     const FieldDisplaySettings& displaySettings() const { return m_displaySettings; }
+    SectionListView* sectionListView() const { return m_sectionList; }
+    ContentView* contentView() const { return m_content; }
 
     // The commands, by what they do; tests and menus reach the same.
     QAction* addPayloadAction() const { return m_addAction; }
@@ -69,6 +71,7 @@ public:
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
 
     void selectSection(PFMSection* section);
+    void setSigningIdentityTrust(std::function<bool(const QString& identityName)> isTrusted);
     // Acting on `payloadIndexes` when given; with several payloads and none
     // given, the user is asked which.
     void removePayloads(PFMSection& section, const QList<int>& payloadIndexes = {});

@@ -39,6 +39,11 @@ void EditorApplication::launch(const QStringList& filePaths) {
             std::make_shared<ProfileSigningBridge>(SigningServices(&m_passphrases));
         return environment;
     };
+    supply.isIdentityTrusted = [this](const QString& name) {
+        const SigningServices signing(&m_passphrases);
+        const auto identity = signing.identityNamed(name);
+        return identity && signing.isTrusted(*identity);
+    };
     m_documents = std::make_unique<DocumentController>(m_defaults, std::move(supply));
     m_coordinator = new ManifestRepositoryCoordinator(m_defaults, domainManager, *m_documents, this);
     makeActions();

@@ -4,7 +4,10 @@
 #include "ui/WindowNoticePresenter.h"
 #include "workspace/PFMSectionViewController.h"
 
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 
@@ -140,6 +143,29 @@ TEST_F(DocumentControllerTest, RefusedFilesAreReportedAndTheOthersOpen) {
     ASSERT_TRUE(error);
     EXPECT_TRUE(error->text().contains(QStringLiteral("not-a-profile.mobileconfig")));
     EXPECT_EQ(error->informativeText(), DocumentErrorWords::cannotRead);
+}
+
+TEST_F(DocumentControllerTest, ProfilesDroppedOnAWindowOpen) {
+    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    ASSERT_TRUE(window);
+    const QString other = copyProfile(QStringLiteral("two-docks.mobileconfig"));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(other), QUrl::fromLocalFile(path(QStringLiteral("defaults.plist")))});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window, &drop);
+    ASSERT_EQ(controller.windows().size(), 2);
+    EXPECT_EQ(controller.windows().last()->document().filePath(), other);
+
+    // Nothing that isn't a profile is taken.
+    QMimeData settingsOnly;
+    settingsOnly.setUrls({QUrl::fromLocalFile(path(QStringLiteral("defaults.plist")))});
+    QDragEnterEvent refused(QPoint(10, 10), Qt::CopyAction, &settingsOnly, Qt::LeftButton, Qt::NoModifier);
+    refused.setAccepted(false);
+    QApplication::sendEvent(window, &refused);
+    EXPECT_FALSE(refused.isAccepted());
 }
 
 } // namespace

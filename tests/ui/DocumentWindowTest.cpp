@@ -1,8 +1,14 @@
 #include "EditorTestSupport.h"
 
 #include "plist/DefaultsKey.h"
+#include "ui/ContentView.h"
+#include "ui/FieldRowView.h"
+#include "ui/PayloadFormView.h"
 #include "ui/PayloadSelectorDialog.h"
 #include "ui/SaveDialogPresenter.h"
+#include "ui/SectionFormView.h"
+#include "ui/SectionListModel.h"
+#include "ui/SectionListView.h"
 #include "ui/WindowNoticePresenter.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
@@ -51,17 +57,29 @@ TEST_F(DocumentWindowTest, EditUndoSaveSignedAndReopen) {
     EXPECT_FALSE(window->isWindowModified());
 
     // An icon size beyond the manifest's range is an error the side-bar shows.
-    window->history().setValue(dockKey(*window, QStringLiteral("tilesize")), plist::Value(qint64(500)),
-                               QStringLiteral("tilesize"));
-    dock->sectionViewController()->recountErrors();
-    EXPECT_EQ(SectionArrayController::errorBadge(*dock), 1);
+    SectionFormView* form = window->contentView()->sectionFormView();
+    ASSERT_TRUE(form);
+    ASSERT_FALSE(form->payloadViews().isEmpty());
+    FieldRowView* row = form->payloadViews().first()->rowForKey(QStringLiteral("tilesize"));
+    ASSERT_TRUE(row);
+    auto* field = row->instrumentWidgets().isEmpty()
+                      ? nullptr
+                      : qobject_cast<QLineEdit*>(row->instrumentWidgets().first());
+    ASSERT_TRUE(field);
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, QStringLiteral("500"));
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(dockKey(*window, QStringLiteral("tilesize"))->value().plistValue()->toInteger(), 500);
+    SectionListModel& sideBar = window->sectionListView()->sectionModel();
+    const QModelIndex dockRow = sideBar.index(int(window->sections().arrangedObjects().indexOf(dock)), 0);
+    EXPECT_EQ(sideBar.data(dockRow, SectionListModel::BadgeRole).toInt(), 1);
     EXPECT_TRUE(window->isWindowModified());
     EXPECT_TRUE(window->document().isDocumentEdited());
     EXPECT_NE(profileBytes(*window->document().profile()), opened);
 
     window->undoAction()->trigger();
-    dock->sectionViewController()->recountErrors();
-    EXPECT_FALSE(SectionArrayController::errorBadge(*dock));
+    EXPECT_FALSE(sideBar.data(dockRow, SectionListModel::BadgeRole).isValid());
     EXPECT_EQ(profileBytes(*window->document().profile()), opened);
     EXPECT_FALSE(window->document().isDocumentEdited());
     EXPECT_FALSE(window->isWindowModified());
