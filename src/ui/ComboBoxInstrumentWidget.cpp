@@ -12,6 +12,8 @@ ComboBoxInstrumentWidget::ComboBoxInstrumentWidget(FieldViewController& field,
     : QComboBox(parent)
     , InstrumentControlSide(field, instrument) {
     setEditable(true);
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(24);
     // A suggestion chosen fills the field; it doesn't grow the list.
     setInsertPolicy(QComboBox::NoInsert);
     connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) { report(text, false); });

@@ -3,6 +3,7 @@
 #include "fields/FieldDisplaySettings.h"
 #include "model/Profile.h"
 #include "ui/SigningRowView.h"
+#include "workspace/PFMSection.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -11,7 +12,6 @@ class QVBoxLayout;
 
 namespace quorlin {
 
-class PFMSection;
 class SectionFormView;
 
 // The right side of a document window: the form of the selected section, or

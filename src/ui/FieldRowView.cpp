@@ -4,6 +4,7 @@
 #include "ui/InstrumentWidgetFactory.h"
 #include "ui/PropertyInfoPopover.h"
 #include "ui/TagLabel.h"
+#include "ui/Tint.h"
 
 #include <QDesktopServices>
 #include <QEvent>
@@ -85,7 +86,7 @@ FieldRowView::FieldRowView(std::shared_ptr<FieldViewController> field, QWidget* 
     m_error = richLabel(this);
     m_error->setObjectName(QStringLiteral("fieldError"));
     m_error->setTextFormat(Qt::PlainText);
-    m_error->setStyleSheet(QStringLiteral("QLabel { color: #d0302b; }"));
+    Tint::setTextColour(*m_error, Tint::errorColour());
     layout->addWidget(m_error);
     setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QWidget::customContextMenuRequested, this,
@@ -110,7 +111,7 @@ void FieldRowView::buildTitleRow() {
     m_writeOut = new QLabel(QStringLiteral("\u25CF"), this);
     m_writeOut->setObjectName(QStringLiteral("writeOutIndicator"));
     m_writeOut->setToolTip(QStringLiteral("Written to the profile"));
-    m_writeOut->setStyleSheet(QStringLiteral("QLabel { color: palette(highlight); }"));
+    Tint::setTextRole(*m_writeOut, QPalette::Highlight);
     m_writeOut->installEventFilter(new ClickMenuFilter(*this));
     m_documentationButton = new QToolButton(this);
     m_documentationButton->setText(QStringLiteral("Documentation"));

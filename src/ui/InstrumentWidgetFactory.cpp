@@ -1,11 +1,14 @@
 #include "ui/InstrumentWidgetFactory.h"
 
+#include "fields/ArrayInstrumentController.h"
 #include "fields/BooleanInstrumentController.h"
 #include "fields/FieldViewController.h"
 #include "fields/InstrumentController.h"
+#include "ui/ArrayInstrumentWidget.h"
 #include "ui/BooleanInstrumentWidget.h"
 #include "ui/ComboBoxInstrumentWidget.h"
 #include "ui/DateInstrumentWidget.h"
+#include "ui/FileInstrumentWidget.h"
 #include "ui/NumberInstrumentWidget.h"
 #include "ui/PopUpInstrumentWidget.h"
 #include "ui/StringInstrumentWidget.h"
@@ -19,15 +22,7 @@ namespace {
 
 using Types = InstrumentFactory::Types;
 
-// Stands in for the tables and file pickers until their widgets join.
-QWidget* makePlaceholder(InstrumentController& instrument, QWidget* parent) {
-    auto* label =
-        new QLabel(QStringLiteral("(%1)").arg(InstrumentFactory::rawValue(instrument.type())), parent);
-    label->setEnabled(false);
-    return label;
-}
-
-QWidget* makeScalarWidget(FieldViewController& field, InstrumentController& instrument, QWidget* parent) {
+QWidget* makeInstrumentWidget(FieldViewController& field, InstrumentController& instrument, QWidget* parent) {
     switch (instrument.type()) {
     case Types::string:
         return new StringInstrumentWidget(field, instrument, parent);
@@ -48,20 +43,32 @@ QWidget* makeScalarWidget(FieldViewController& field, InstrumentController& inst
     case Types::date:
         return new DateInstrumentWidget(field, instrument, parent);
     case Types::array:
+        if (auto* array = dynamic_cast<ArrayInstrumentController*>(&instrument))
+            return new ArrayInstrumentWidget(field, *array, parent);
+        return nullptr;
     case Types::data:
     case Types::image:
     case Types::customPlist:
     case Types::appSelector:
-        return nullptr;
+        return new FileInstrumentWidget(field, instrument, parent);
     }
     return nullptr;
+}
+
+// An instrument whose controller isn't of its type's class has no control
+// to show; a disabled label says so rather than leave a hole.
+QWidget* makePlaceholder(InstrumentController& instrument, QWidget* parent) {
+    auto* label =
+        new QLabel(QStringLiteral("(%1)").arg(InstrumentFactory::rawValue(instrument.type())), parent);
+    label->setEnabled(false);
+    return label;
 }
 
 } // namespace
 
 QWidget* InstrumentWidgetFactory::makeWidget(FieldViewController& field, InstrumentController& instrument,
                                              QWidget* parent) {
-    QWidget* widget = makeScalarWidget(field, instrument, parent);
+    QWidget* widget = makeInstrumentWidget(field, instrument, parent);
     if (!widget)
         widget = makePlaceholder(instrument, parent);
     const QString title = field.field()->prototype().title();

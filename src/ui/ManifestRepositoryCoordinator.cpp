@@ -151,6 +151,8 @@ void ManifestRepositoryCoordinator::showPreferences() {
         connect(m_preferences, &PreferencesWindow::manifestRepositoryDidChange, this,
                 &ManifestRepositoryCoordinator::manifestRepositorySettingsDidChange);
     }
+    if (m_signingIdentityNames)
+        m_preferences->setSigningIdentityNames(m_signingIdentityNames());
     raise(m_preferences);
 }
 
@@ -180,6 +182,10 @@ void ManifestRepositoryCoordinator::representCurrentRepository() {
     if (!m_updates)
         return;
     UpdatingManifestRepository* repository = representedRepository();
+    QSet<QString> known;
+    for (const auto& domain : m_domainManager.domains())
+        known.insert(domain->domainString());
+    m_updates->setKnownDomains(known);
     m_updates->setShowingLastResults(false);
     m_updates->setRepository(repository, repository == &m_domainManager.mainManifestRepository());
 }

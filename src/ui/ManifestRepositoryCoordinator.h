@@ -1,6 +1,8 @@
 #pragma once
 
 #include "supply/LastUpdates.h"
+#include "ui/ManifestUpdatesWindow.h"
+#include "ui/PreferencesWindow.h"
 
 #include <QObject>
 #include <QPointer>
@@ -13,10 +15,8 @@ class QWidget;
 namespace quorlin {
 
 class DocumentReloader;
-class ManifestUpdatesWindow;
 class NoticePresenter;
 class PFMDomainManager;
-class PreferencesWindow;
 class ProcessRestarter;
 class UpdatingManifestRepository;
 class UserDefaults;
@@ -48,6 +48,11 @@ public:
     // how the factory reset starts the program again.
     void setNoticePresenter(NoticePresenter* presenter);
     void setProcessRestarter(ProcessRestarter* restarter);
+    // The names of the user's signing identities, read whenever the
+    // preferences are shown; none without it.
+    void setSigningIdentityNames(std::function<QStringList()> names) {
+        m_signingIdentityNames = std::move(names);
+    }
     // Made by the calls above; null before.
     PreferencesWindow* preferencesWindow() const { return m_preferences; }
     ManifestUpdatesWindow* manifestUpdatesWindow() const { return m_updates; }
@@ -77,6 +82,7 @@ private:
     QPointer<PreferencesWindow> m_preferences;
     QPointer<ManifestUpdatesWindow> m_updates;
     QMetaObject::Connection m_repositoryStatusObservation;
+    std::function<QStringList()> m_signingIdentityNames;
 };
 
 } // namespace quorlin

@@ -32,11 +32,6 @@ QString dateString(const std::optional<plist::Date>& date) {
     return QLocale().toString(date->toDateTime().toLocalTime(), QLocale::ShortFormat);
 }
 
-QString statusString(const UpdateResultsItem& item) {
-    return item.status == UpdateResultsItem::UpdateStatuses::removed ? ManifestUpdatesWindow::tr("Removed")
-                                                                     : ManifestUpdatesWindow::tr("Updated");
-}
-
 } // namespace
 
 ManifestUpdatesWindow::ManifestUpdatesWindow(UserDefaults& defaults, QWidget* parent)
@@ -179,6 +174,8 @@ void ManifestUpdatesWindow::showResults(const QList<UpdateResultsItem>& items) {
 
 void ManifestUpdatesWindow::setShowingLastResults(bool showingLastResults) {
     m_showingLastResults = showingLastResults;
+    // Taken now: listing the results moves the stored date past them.
+    m_seenDate = m_defaults.date(DefaultsKey::lastShownOnlineManifestsUpdateModificationDate);
     fillList();
 }
 
@@ -193,9 +190,19 @@ void ManifestUpdatesWindow::setDateDisplayOption(DateDisplayOption option) {
 bool ManifestUpdatesWindow::isUnseen(const UpdateResultsItem& item) const {
     if (!m_showingLastResults || !item.manifestModificationDate)
         return true;
-    const auto seen = m_defaults.date(DefaultsKey::lastShownOnlineManifestsUpdateModificationDate);
-    return !seen ||
-           item.manifestModificationDate->secondsSinceReferenceDate > seen->secondsSinceReferenceDate;
+    return !m_seenDate ||
+           item.manifestModificationDate->secondsSinceReferenceDate > m_seenDate->secondsSinceReferenceDate;
+}
+
+void ManifestUpdatesWindow::setKnownDomains(const QSet<QString>& domains) {
+    m_knownDomains = domains;
+    fillList();
+}
+
+QString ManifestUpdatesWindow::statusString(const UpdateResultsItem& item) const {
+    if (item.status == UpdateResultsItem::UpdateStatuses::removed)
+        return tr("Removed");
+    return m_knownDomains.isEmpty() || m_knownDomains.contains(item.domain) ? tr("Updated") : tr("Added");
 }
 
 void ManifestUpdatesWindow::fillList() {
@@ -260,6 +267,11 @@ QStringList ManifestUpdatesWindow::listedDomains() const {
     for (int row = 0; row < m_list->topLevelItemCount(); ++row)
         domains << m_list->topLevelItem(row)->text(0);
     return domains;
+}
+
+QString ManifestUpdatesWindow::listedStatus(const QString& domain) const {
+    const auto found = m_list->findItems(domain, Qt::MatchExactly, 0);
+    return found.isEmpty() ? QString() : found.first()->text(1);
 }
 
 void ManifestUpdatesWindow::cancelCheck() {

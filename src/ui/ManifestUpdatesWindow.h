@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 
 #include <optional>
@@ -44,11 +45,15 @@ public:
     void setDateDisplayOption(DateDisplayOption option);
     // Closes by itself when a check ends with nothing to report.
     void setCloseAfterUpdatesCheck(bool close) { m_closeAfterUpdatesCheck = close; }
+    // The domains in force; an updated domain among none of them is listed as added.
+    void setKnownDomains(const QSet<QString>& domains);
 
     State state() const { return m_state; }
     QString errorMessage() const;
     // The domains listed now, in their order.
     QStringList listedDomains() const;
+    // The status column of a listed domain; empty when it isn't listed.
+    QString listedStatus(const QString& domain) const;
 
 Q_SIGNALS:
     void reloadAllProfilesRequested();
@@ -63,17 +68,20 @@ private:
     void showResults(const QList<UpdateResultsItem>& items);
     void fillList();
     bool isUnseen(const UpdateResultsItem& item) const;
+    QString statusString(const UpdateResultsItem& item) const;
     void rememberNewestDate();
     void cancelCheck();
     void openCommitLog();
 
     UserDefaults& m_defaults;
-    // Guards m_repository: the repository goes when the domain manager replaces it.
+    // Null once the repository is gone, as when the domain manager replaces it.
     QPointer<UpdatingRepositoryStatus> m_status;
     QPointer<GitHubManifestRepository> m_gitHubRepository;
     QList<QMetaObject::Connection> m_observations;
     bool m_isMainRepository = false;
     bool m_showingLastResults = false;
+    std::optional<plist::Date> m_seenDate;
+    QSet<QString> m_knownDomains;
     bool m_closeAfterUpdatesCheck = false;
     DateDisplayOption m_dateDisplayOption = DateDisplayOption::fileChange;
     State m_state = State::reportingNoUpdates;

@@ -5,8 +5,8 @@
 namespace quorlin {
 
 // Shows each notice as a message box, modal to its window so that the rest
-// of the program goes on; the check box of a suppressible notice stores its
-// default at the reply, whichever button was pressed.
+// of the program goes on. A suppressible notice gets a check box, whose
+// state the reply carries whichever button was pressed.
 class MessageBoxNoticePresenter final : public NoticePresenter {
 public:
     void present(QWidget* window, const ApplicationNotice& notice, ReplyHandler reply) override;

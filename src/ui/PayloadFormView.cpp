@@ -3,6 +3,7 @@
 #include "fields/KeyPath.h"
 #include "model/PreferenceKeyObserver.h"
 #include "ui/FieldRowView.h"
+#include "ui/Tint.h"
 #include "workspace/PayloadViewController.h"
 
 #include <QButtonGroup>
@@ -11,6 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -118,8 +121,14 @@ void PayloadFormView::buildHeader() {
 void PayloadFormView::buildGroupSelector() {
     if (!m_form.hasGroupSelector())
         return;
-    auto* selector = new QWidget(m_fieldsBox);
-    selector->setObjectName(QStringLiteral("groupSelector"));
+    // A domain of many groups would widen the form past its window; the
+    // segments scroll sideways instead.
+    auto* scroller = new QScrollArea(m_fieldsBox);
+    scroller->setObjectName(QStringLiteral("groupSelector"));
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidgetResizable(true);
+    scroller->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* selector = new QWidget(scroller);
     auto* row = new QHBoxLayout(selector);
     row->setSpacing(0);
     m_groups = new QButtonGroup(this);
@@ -136,14 +145,18 @@ void PayloadFormView::buildGroupSelector() {
         auto* badge = new QLabel(QStringLiteral("\u25CF"), selector);
         badge->setObjectName(QStringLiteral("groupBadge"));
         badge->setProperty("group", label.key());
-        badge->setStyleSheet(QStringLiteral("QLabel { color: #e0302b; }"));
+        Tint::setTextColour(*badge, Tint::errorColour());
         badge->setToolTip(QStringLiteral("Holds a match of the search"));
         m_groupBadges.append(badge);
         row->addWidget(badge);
     }
     row->addStretch(1);
     connect(m_groups, &QButtonGroup::idClicked, this, [this](int group) { m_form.selectGroup(group); });
-    m_fieldsLayout->addWidget(selector);
+    scroller->setWidget(selector);
+    scroller->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    scroller->setFixedHeight(selector->sizeHint().height() +
+                             scroller->horizontalScrollBar()->sizeHint().height());
+    m_fieldsLayout->addWidget(scroller);
     refreshGroups();
 }
 
@@ -205,6 +218,9 @@ void PayloadFormView::applyVisibility() {
     refreshGroups();
     if (built)
         orderTabs();
+    // Settings that reach the logic past this view (a search, a filter)
+    // change what rows say as well as which show.
+    refresh();
 }
 
 void PayloadFormView::orderTabs() {
@@ -270,6 +286,15 @@ void PayloadFormView::refreshNotices() {
     m_unfamiliarNotice->setText(*notice);
     if (const auto payload = m_form.payload())
         m_unfamiliarRemove->setText(removeUnfamiliarTitle(*payload));
+}
+
+bool PayloadFormView::showsFields() const {
+    return !m_fieldsBox->isHidden();
+}
+
+void PayloadFormView::followCollapsed() {
+    if (isFormAlive())
+        setCollapsed(m_form.isCollapsed());
 }
 
 void PayloadFormView::setCollapsed(bool collapsed) {

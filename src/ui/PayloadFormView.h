@@ -46,8 +46,12 @@ public:
     SigningRowView* signingRow() const;
     // Re-reads what the logic shows: visibility, header, notices, each row.
     void refresh();
+    // Follows the logic's collapsed state, which adding and removing payloads change.
+    void followCollapsed();
 
     QLineEdit* titleEdit() const { return m_titleEdit; }
+    // False while the payload is collapsed to its header.
+    bool showsFields() const;
     QLabel* noFieldsLabel() const { return m_noFields; }
     QLabel* unfamiliarNotice() const { return m_unfamiliarNotice; }
     QList<QAbstractButton*> groupButtons() const;

@@ -6,11 +6,17 @@
 
 namespace quorlin {
 
+namespace {
+constexpr int shortestShownLength = 24;
+} // namespace
+
 PopUpInstrumentWidget::PopUpInstrumentWidget(FieldViewController& field, InstrumentController& instrument,
                                              QWidget* parent)
     : QComboBox(parent)
     , InstrumentControlSide(field, instrument) {
-    setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // Long labels mustn't widen the form past its window; the list shows them whole.
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(shortestShownLength);
     connect(this, &QComboBox::activated, this, &PopUpInstrumentWidget::selectionDidChange);
     attach();
 }

@@ -1,4 +1,5 @@
 #include "ui/PropertyInfoPopover.h"
+#include "ui/Tint.h"
 
 #include <QDesktopServices>
 #include <QFormLayout>
@@ -108,8 +109,12 @@ QWidget* PropertyInfoPopover::makeAvailabilityTable() const {
             auto* cell = new QLabel(cellText(value->second));
             if (const auto* flag = std::get_if<bool>(&value->second); flag && *flag)
                 cell->setAccessibleName(QStringLiteral("Checked"));
-            if (item.marksEndOfLife)
-                cell->setStyleSheet(QStringLiteral("QLabel { color: #c0392b; font-weight: bold; }"));
+            if (item.marksEndOfLife) {
+                Tint::setTextColour(*cell, Tint::errorColour());
+                QFont bold = cell->font();
+                bold.setBold(true);
+                cell->setFont(bold);
+            }
             grid->addWidget(cell, row, column + 1, Qt::AlignHCenter);
         }
         ++row;

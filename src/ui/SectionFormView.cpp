@@ -115,6 +115,8 @@ void SectionFormView::followPayloads() {
         else
             stale.append(view);
     }
+    const bool isFirstBuild = m_payloadViews.isEmpty() && stale.isEmpty();
+    PayloadFormView* added = nullptr;
     QList<PayloadFormView*> views;
     const auto writer = m_form.section().keyValueWriter();
     for (const auto& payloadForm : m_form.payloadControllers()) {
@@ -133,13 +135,27 @@ void SectionFormView::followPayloads() {
         connect(view, &PayloadFormView::saveSignedWithCommonNameEdited, this,
                 &SectionFormView::saveSignedWithCommonNameEdited);
         views.append(view);
+        added = view;
     }
     for (auto& [form, view] : existing)
         stale.append(view);
     qDeleteAll(stale);
     m_payloadViews = views;
-    for (int index = 0; index < m_payloadViews.size(); ++index)
+    for (int index = 0; index < m_payloadViews.size(); ++index) {
+        m_payloadViews.at(index)->followCollapsed();
         m_payloadsLayout->insertWidget(index, m_payloadViews.at(index));
+    }
+    // A payload added to a shown form is brought into sight once laid out.
+    if (added && !isFirstBuild) {
+        QPointer<PayloadFormView> target(added);
+        QMetaObject::invokeMethod(
+            this,
+            [this, target] {
+                if (target)
+                    m_scrollArea->ensureWidgetVisible(target, 0, 0);
+            },
+            Qt::QueuedConnection);
+    }
 }
 
 void SectionFormView::refresh() {

@@ -42,8 +42,9 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const {
     const bool isGroupTitle = section->sectionKind() == PFMSection::Kinds::groupTitle;
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::AccessibleTextRole:
         return section->sectionProperties().title;
+    case Qt::AccessibleTextRole:
+        return accessibleText(*section);
     case DescriptionRole:
         return isGroupTitle ? QVariant() : QVariant(section->payloadsConfiguredString());
     case Qt::ToolTipRole:
@@ -79,6 +80,17 @@ QHash<int, QByteArray> SectionListModel::roleNames() const {
     names.insert(BadgeRole, "badge");
     names.insert(IsGroupTitleRole, "isGroupTitle");
     return names;
+}
+
+// What a screen reader says of a row: what the eye sees, badge included.
+QString SectionListModel::accessibleText(const PFMSection& section) const {
+    const QString title = section.sectionProperties().title;
+    if (section.sectionKind() == PFMSection::Kinds::groupTitle)
+        return title;
+    QString text = tr("%1, %2").arg(title, section.payloadsConfiguredString());
+    if (const auto badge = SectionArrayController::errorBadge(section))
+        text = *badge == 1 ? tr("%1, 1 error").arg(text) : tr("%1, %2 errors").arg(text).arg(*badge);
+    return text;
 }
 
 // A payload count that moves a section between blocks re-sorts the whole

@@ -38,12 +38,16 @@ public:
     QHash<int, QByteArray> roleNames() const override;
 
     PFMSection* sectionAt(int row) const;
+    // The rows are the list's arranged objects; false between a re-sort of
+    // the list and this model's reset.
+    bool isInStep() const { return m_rows == m_list.arrangedObjects(); }
     // -1 when the section isn't shown.
     int rowOf(const PFMSection* section) const;
 
 private:
     void arrangedObjectsDidChange();
     void badgeDidChange(PFMSection* section);
+    QString accessibleText(const PFMSection& section) const;
     QIcon iconOf(const PFMSection& section) const;
     QIcon bundledImage(const QString& name) const;
 

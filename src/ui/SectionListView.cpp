@@ -36,6 +36,9 @@ SectionListView::SectionListView(SectionArrayController& list, QWidget* parent)
 }
 
 void SectionListView::showListSelection() {
+    // Rows of a re-sort not yet heard of; the reset that follows shows it.
+    if (!m_model->isInStep())
+        return;
     const bool wasShowing = std::exchange(m_showingListSelection, true);
     QItemSelection selection;
     for (const int row : m_list.selectionIndexes())
@@ -55,7 +58,7 @@ void SectionListView::keepSelectionVisible() {
 
 void SectionListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QListView::selectionChanged(selected, deselected);
-    if (m_showingListSelection)
+    if (m_showingListSelection || !m_model->isInStep())
         return;
     QList<int> rows;
     for (const QModelIndex& index : selectionModel()->selectedIndexes())

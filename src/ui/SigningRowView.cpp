@@ -4,6 +4,7 @@
 #include "model/ProfileSigningServices.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
+#include "ui/Tint.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -59,14 +60,15 @@ SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTru
     titleLabel->setFont(bold);
     m_writeOut = new QLabel(QStringLiteral("\u25CF"), this);
     m_writeOut->setObjectName(QStringLiteral("writeOutIndicator"));
-    m_writeOut->setStyleSheet(QStringLiteral("QLabel { color: palette(highlight); }"));
+    Tint::setTextRole(*m_writeOut, QPalette::Highlight);
     titleRow->addWidget(titleLabel, 1);
     titleRow->addWidget(m_writeOut);
     layout->addLayout(titleRow);
     m_popUp = new QComboBox(this);
     m_popUp->setObjectName(QStringLiteral("signingIdentityPopUp"));
     m_popUp->setAccessibleName(title());
-    m_popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_popUp->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_popUp->setMinimumContentsLength(32);
     layout->addWidget(m_popUp, 0, Qt::AlignLeft);
     fillItems();
     connect(m_popUp, &QComboBox::activated, this, &SigningRowView::choose);

@@ -11,8 +11,7 @@ TagLabel::TagLabel(const QString& html, QWidget* parent)
     setFont(small);
     const int padding = fontMetrics().averageCharWidth() / 2 + 1;
     setContentsMargins(padding, 0, padding, 0);
-    setStyleSheet(QStringLiteral("QLabel { border: 1px solid palette(mid); border-radius: %1px; }")
-                      .arg(fontMetrics().height() / 3));
+    setFrameShape(QFrame::StyledPanel);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 

@@ -24,6 +24,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
@@ -73,18 +74,21 @@ public:
     ContentView view;
 };
 
-// The key names of the rows the logic shows, in order, as its text picture has them.
+// The rows the logic shows, in order, as its text picture names them:
+// "name (title)", the signing row as "[signing]".
 QStringList visibleRowsOfLogic(const PayloadViewController& form) {
-    QStringList names;
+    QStringList rows;
     for (const QString& line : FormTextRenderer::render(form).split(QLatin1Char('\n'))) {
         if (!line.startsWith(QStringLiteral("  - ")))
             continue;
-        const QString row = line.mid(4);
-        if (row.contains(QStringLiteral(" | hidden")))
+        const QStringList parts = line.mid(4).split(QStringLiteral(" | "));
+        if (parts.contains(QStringLiteral("hidden")))
             continue;
-        names << (row == QStringLiteral("[signing]") ? row : row.section(QLatin1Char(' '), 0, 0));
+        const QString head = parts.first();
+        const qsizetype instrument = head.lastIndexOf(QStringLiteral(" <"));
+        rows << (instrument < 0 ? head : head.left(instrument));
     }
-    return names;
+    return rows;
 }
 
 QStringList visibleRowsOfView(const PayloadFormView& view) {
@@ -93,7 +97,8 @@ QStringList visibleRowsOfView(const PayloadFormView& view) {
         if (!row || !row->isVisibleTo(&view))
             continue;
         if (auto* field = qobject_cast<FieldRowView*>(row))
-            names << field->field().field()->name();
+            names << QStringLiteral("%1 (%2)").arg(field->field().field()->name(),
+                                                   field->field().field()->prototype().title());
         else if (qobject_cast<SigningRowView*>(row))
             names << QStringLiteral("[signing]");
     }
@@ -109,7 +114,7 @@ void expectViewMatchesLogic(const SectionFormView& form, const QString& context)
             << context.toStdString();
 }
 
-TEST(FormView, EveryBundledFormShowsTheVisibleRowsOfTheLogicInOrderInEachGroup) {
+TEST(FormView, EveryBundledFormShowsTheVisibleRowsOfTheLogicInOrderInEachGroupAndFits700Pixels) {
     const auto domains = domainsInFolder(bundledFolder);
     ASSERT_GT(domains.size(), 20);
     Window window(domains);
@@ -120,8 +125,18 @@ TEST(FormView, EveryBundledFormShowsTheVisibleRowsOfTheLogicInOrderInEachGroup) 
             continue;
         window.open(*section);
         const SectionFormView* form = window.view.sectionFormView();
+        if (!section->sectionViewController()) {
+            // A payload made of a file waits for one; the section offers to add it.
+            EXPECT_TRUE(section->sectionProperties().fileBasedPayload);
+            EXPECT_EQ(form, nullptr);
+            EXPECT_NE(window.view.findChild<QPushButton*>(QStringLiteral("addPayloadButton")), nullptr);
+            continue;
+        }
         ASSERT_NE(form, nullptr) << section->sectionProperties().title.toStdString();
         expectViewMatchesLogic(*form, section->sectionProperties().title);
+        // The form fits a window of 700 pixels, whatever its labels and lists hold.
+        EXPECT_LE(form->scrollArea()->widget()->minimumSizeHint().width(), 680)
+            << section->sectionProperties().title.toStdString();
         // Each group chosen by its button re-filters the rows built once.
         PayloadFormView& payload = *form->payloadViews().first();
         if (payload.groupButtons().isEmpty())
@@ -140,6 +155,45 @@ TEST(FormView, EveryBundledFormShowsTheVisibleRowsOfTheLogicInOrderInEachGroup) 
         }
     }
     EXPECT_GT(formsWithGroups, 0);
+}
+
+TEST(FormView, ASearchBadgesItsGroupsAndMarksTheTermInTheRowsWithoutRebuildingThem) {
+    Window window(
+        withGeneralDomain(domainsInFolder(testDataPath(QStringLiteral("workspace/forms/groups-search")))));
+    PFMSection* section = sectionTitled(window.collection, QStringLiteral("Network Access"));
+    ASSERT_NE(section, nullptr);
+    window.open(*section);
+    window.view.show();
+    PayloadFormView& payload = *window.view.sectionFormView()->payloadViews().first();
+    const std::vector<QWidget*> rowsBefore = payload.rows();
+    ASSERT_FALSE(payload.groupButtons().isEmpty());
+
+    for (const QString& term :
+         {QStringLiteral("cert"), QStringLiteral("o"), QStringLiteral("no such words")}) {
+        FieldDisplaySettings settings;
+        settings.highlightedTerm = term;
+        window.view.setFieldDisplaySettings(settings);
+        const PayloadViewController& form = payload.form();
+        for (auto label = form.displayGroupsLabelMap().cbegin(); label != form.displayGroupsLabelMap().cend();
+             ++label)
+            EXPECT_EQ(payload.groupBadge(label.key())->isVisibleTo(&payload),
+                      form.groupBadges().contains(label.key()))
+                << term.toStdString() << " / " << label.value().toStdString();
+        for (QWidget* row : payload.rows()) {
+            auto* field = qobject_cast<FieldRowView*>(row);
+            if (!field)
+                continue;
+            const bool marked = field->titleLabel()->text().contains(QStringLiteral("background-color"));
+            EXPECT_EQ(marked, !field->field().highlightedTermMatchesTitle().isEmpty())
+                << term.toStdString() << " / " << field->field().field()->name().toStdString();
+        }
+        EXPECT_EQ(visibleRowsOfView(payload), visibleRowsOfLogic(form));
+    }
+    for (size_t index = 0; index < rowsBefore.size(); ++index) {
+        if (rowsBefore[index]) {
+            EXPECT_EQ(payload.rows()[index], rowsBefore[index]) << "a row was rebuilt";
+        }
+    }
 }
 
 // A proxy whose host, required, is hidden until the proxy is switched on,
@@ -259,6 +313,9 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     ASSERT_NE(window.view.sectionFormView(), nullptr);
     window.history.addPayload(*section, window.profile);
     ASSERT_EQ(window.view.sectionFormView()->payloadViews().size(), 2);
+    // The new payload opens; the one before folds to its header.
+    EXPECT_FALSE(window.view.sectionFormView()->payloadViews().at(0)->showsFields());
+    EXPECT_TRUE(window.view.sectionFormView()->payloadViews().at(1)->showsFields());
     EXPECT_EQ(window.view.sectionFormView()->payloadViews().at(1)->titleEdit()->text(),
               section->sectionViewController()->payloadControllers().at(1)->title());
 
@@ -270,11 +327,48 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     EXPECT_EQ(removeRequests.first().at(1).toInt(), 1);
     window.history.removePayloads(*section, window.profile, {1});
     ASSERT_EQ(window.view.sectionFormView()->payloadViews().size(), 1);
+    // The one left doesn't stay folded.
+    EXPECT_TRUE(window.view.sectionFormView()->payloadViews().at(0)->showsFields());
     window.history.removePayloads(*section, window.profile, {0});
     EXPECT_EQ(window.view.sectionFormView(), nullptr);
     EXPECT_NE(window.view.findChild<QPushButton*>(QStringLiteral("addPayloadButton")), nullptr);
     window.history.undoStack().undo();
     EXPECT_NE(window.view.sectionFormView(), nullptr);
+}
+
+TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
+    const auto domains = withGeneralDomain({});
+    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>PayloadType</key><string>Configuration</string>
+<key>PayloadVersion</key><integer>1</integer>
+<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
+<key>PayloadIdentifier</key><string>com.example.profile</string>
+<key>PayloadDisplayName</key><string>Profile</string>
+<key>PayloadContent</key><array>
+<dict><key>PayloadType</key><string>com.example.unknown</string><key>PayloadUUID</key><string>A</string>
+<key>Secret</key><string>forty-two</string></dict>
+<dict><key>PayloadType</key><string>com.example.other</string><key>PayloadUUID</key><string>B</string>
+<key>Elsewhere</key><string>not shown</string></dict>
+</array></dict></plist>)";
+    const auto profile = Profile::parseProfile(profileData, domains, makeTestEnvironment());
+    ASSERT_TRUE(profile);
+    const auto section = PFMSection::makeUnfamiliar((*profile)->unfamiliarPayloads().first());
+    ASSERT_TRUE(section);
+    ContentView view;
+    view.setProfile(*profile);
+    view.setSection(section.get());
+    ASSERT_NE(view.currentView(), nullptr);
+    EXPECT_EQ(view.currentView()->objectName(), QStringLiteral("unfamiliarView"));
+    QStringList texts;
+    for (const QLabel* label : view.findChildren<QLabel*>())
+        texts << label->text();
+    for (const QString& shown : {QStringLiteral("Secret"), QStringLiteral("forty-two"), QStringLiteral("A"),
+                                 ContentView::unfamiliarDomainLabel()})
+        EXPECT_TRUE(texts.contains(shown)) << shown.toStdString();
+    EXPECT_FALSE(texts.contains(QStringLiteral("not shown")));
+    EXPECT_TRUE(view.findChildren<QLineEdit*>().isEmpty());
+    EXPECT_EQ(view.sectionFormView(), nullptr);
 }
 
 class SigningRow : public SigningFixture {
@@ -321,7 +415,8 @@ TEST_F(SigningRow, ListsTheIdentitiesByNameWithTheirTrustAndSetsTheProfilesSigne
         popUp->itemData(1, Qt::AccessibleDescriptionRole).toString().contains(QStringLiteral("separator")));
     for (int index = 0; index < expected.size(); ++index) {
         EXPECT_EQ(popUp->itemText(2 + index), expected.at(index));
-        const bool trusted = expected.at(index) == signerName;
+        // The stray root is the one no anchor vouches for.
+        const bool trusted = expected.at(index) != QStringLiteral("Another Signer");
         EXPECT_EQ(popUp->itemData(2 + index, Qt::ToolTipRole).toString(),
                   trusted ? SigningRowView::trustedToolTip() : SigningRowView::untrustedToolTip())
             << expected.at(index).toStdString();
