@@ -46,6 +46,8 @@ void EditorApplication::launch(const QStringList& filePaths) {
     };
     m_documents = std::make_unique<DocumentController>(m_defaults, std::move(supply));
     m_coordinator = new ManifestRepositoryCoordinator(m_defaults, domainManager, *m_documents, this);
+    m_coordinator->setSigningIdentityNames(
+        [this] { return ProfileSigningBridge(SigningServices(&m_passphrases)).identityCommonNames(); });
     makeActions();
     m_documents->setApplicationActions(&m_actions);
     // Closing the last document window ends the program, unless a reload is on its way.
