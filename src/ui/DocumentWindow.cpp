@@ -29,6 +29,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMetaMethod>
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
@@ -310,7 +311,7 @@ void DocumentWindow::buildMenus() {
         connect(window, &QMenu::aboutToShow, this, [window, windowsStart, fill = app->fillWindowMenu] {
             const QList<QAction*> actions = window->actions();
             for (qsizetype index = actions.indexOf(windowsStart) + 1; index < actions.size(); ++index)
-                window->removeAction(actions[index]);
+                delete actions[index];
             fill(*window);
         });
     }
@@ -852,7 +853,15 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
     }
     // The document controller decides: it asks, and closes through closeApproved.
     event->ignore();
-    Q_EMIT closeRequested(this);
+    if (isSignalConnected(QMetaMethod::fromSignal(&DocumentWindow::closeRequested))) {
+        Q_EMIT closeRequested(this);
+        return;
+    }
+    QPointer<DocumentWindow> alive(this);
+    askToClose([alive](bool mayClose) {
+        if (alive && mayClose)
+            alive->closeApproved();
+    });
 }
 
 QStringList DocumentWindow::profileFilesIn(const QMimeData* data) {

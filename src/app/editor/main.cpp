@@ -93,10 +93,14 @@ int main(int argc, char** argv) {
         return runWithoutWindow(QCoreApplication::arguments().mid(1));
     }
 
+    {
+        // Before the display is reached, so the message stands alone when the program can't work.
+        QCoreApplication probe(argc, argv);
+        if (!locateResources())
+            return 1;
+    }
     QApplication application(argc, argv);
     quorlin::DesktopIdentity::apply();
-    if (!locateResources())
-        return 1;
     quorlin::EditorApplication editor(quorlin::UserDefaults::standard());
     editor.launch(QCoreApplication::arguments().mid(1));
     return application.exec();
