@@ -1,7 +1,9 @@
 #include "ui/ArrayInstrumentWidget.h"
 
+#include "fields/AppSelectorInstrumentController.h"
 #include "fields/ArrayInstrumentController.h"
 #include "fields/CustomPlistInstrumentController.h"
+#include "fields/DataInstrumentController.h"
 #include "fields/FieldViewController.h"
 #include "plist/PlistReader.h"
 #include "ui/ArrayCellDelegate.h"
@@ -209,6 +211,32 @@ void ArrayInstrumentWidget::addChosenPlistFile() {
     m_controller.addChosenPlist(*root);
 }
 
+bool ArrayInstrumentWidget::chooseForCell(const QModelIndex& index) {
+    const QModelIndex source = m_proxy->mapToSource(index);
+    bool handled = false;
+    std::optional<InstrumentAlert> refusal;
+    m_model->editCell(source, [&](InstrumentController& cell) {
+        if (auto* data = dynamic_cast<DataInstrumentController*>(&cell); data && data->showingButtons()) {
+            handled = true;
+            if (const auto path = m_chooser->chooseFileToOpen(this, data->allowedFileExtensions()))
+                refusal = data->chooseFile(*path);
+        } else if (auto* custom = dynamic_cast<CustomPlistInstrumentController*>(&cell);
+                   custom && custom->showingButtons()) {
+            handled = true;
+            if (const auto path = m_chooser->chooseFileToOpen(this, {QStringLiteral("plist")}))
+                refusal = custom->importFile(*path);
+        } else if (auto* app = dynamic_cast<AppSelectorInstrumentController*>(&cell);
+                   app && app->showingButtons()) {
+            handled = true;
+            if (const auto bundleId = m_chooser->chooseBundleId(this))
+                app->choose(*bundleId);
+        }
+    });
+    if (handled)
+        showRefusal(refusal);
+    return handled;
+}
+
 void ArrayInstrumentWidget::editAddedRow() {
     const auto row = m_controller.shouldEditRowAfterAdding();
     if (!row || *row >= m_model->rowCount())
@@ -270,14 +298,17 @@ bool ArrayInstrumentWidget::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
-    // A double click below the last row adds one.
+    // A double click below the last row adds one; on a file cell it chooses.
     if (watched == m_table->viewport() && event->type() == QEvent::MouseButtonDblClick &&
         m_table->isEnabled()) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
-        if (!m_table->indexAt(mouse->position().toPoint()).isValid()) {
+        const QModelIndex index = m_table->indexAt(mouse->position().toPoint());
+        if (!index.isValid()) {
             addRow();
             return true;
         }
+        if (chooseForCell(index))
+            return true;
     }
     return QWidget::eventFilter(watched, event);
 }

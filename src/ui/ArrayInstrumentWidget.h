@@ -51,6 +51,9 @@ private:
     void updateControls();
     void editAddedRow();
     void addChosenPlistFile();
+    // A data, property-list or app cell of a dictionary row takes its value
+    // from a chooser; false when the cell isn't one.
+    bool chooseForCell(const QModelIndex& index);
     void showRefusal(const std::optional<InstrumentAlert>& refusal);
     QList<int> selectedSourceRows() const;
     void selectSourceRow(int row);

@@ -223,17 +223,26 @@ bool ArrayTableModel::setData(const QModelIndex& index, const QVariant& value, i
     const bool isCheck = role == Qt::CheckStateRole && type == Types::boolean;
     if (!isCheck && (role != Qt::EditRole || !isEditable(type)))
         return false;
+    bool written = false;
+    editCell(index, [&](InstrumentController& cell) { written = writeCell(cell, type, value); });
+    return written;
+}
+
+void ArrayTableModel::editCell(const QModelIndex& index,
+                               const std::function<void(InstrumentController&)>& edit) {
+    InstrumentController* instrument = cell(index.row(), index.column());
+    if (!instrument)
+        return;
     m_writing = true;
-    const bool written = writeCell(*instrument, type, value);
+    edit(*instrument);
     m_writing = false;
     // The write reloads once it is over, or refreshes the cell it changed.
     if (m_reloadPending) {
         m_reloadPending = false;
         reload();
-    } else if (written) {
+    } else {
         Q_EMIT dataChanged(index, index);
     }
-    return written;
 }
 
 bool ArrayTableModel::writeCell(InstrumentController& instrument, Types type, const QVariant& value) {

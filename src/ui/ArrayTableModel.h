@@ -5,6 +5,7 @@
 
 #include <QAbstractTableModel>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <utility>
@@ -43,6 +44,9 @@ public:
     bool columnSorts(int column) const;
     // Reads the rows again; cells of items that stay rows only refresh.
     void reload();
+    // Hands a cell's instrument to an edit the widget runs on it (choosing a
+    // file for a data cell, say); the cell lives until the edit is over.
+    void editCell(const QModelIndex& index, const std::function<void(InstrumentController&)>& edit);
 
 private:
     class Cell;

@@ -132,6 +132,8 @@ QWidget* ContentView::makeFormView(PFMSection& section) {
             [this, pointer](int index) { Q_EMIT removePayloadRequested(pointer, index); });
     connect(m_formView, &SectionFormView::saveSignedWithCommonNameEdited, this,
             [this, pointer] { Q_EMIT saveSignedWithCommonNameEdited(pointer); });
+    connect(m_formView, &SectionFormView::unfamiliarPropertiesRemoved, this,
+            [this, pointer] { Q_EMIT unfamiliarPropertiesRemoved(pointer); });
     return m_formView;
 }
 

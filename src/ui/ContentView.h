@@ -50,6 +50,8 @@ Q_SIGNALS:
     void removePayloadRequested(PFMSection* section, int payloadIndex);
     // The signing row chose another identity: an edit of the document.
     void saveSignedWithCommonNameEdited(PFMSection* section);
+    // A payload's unfamiliar keys were dropped: also an edit the history doesn't record.
+    void unfamiliarPropertiesRemoved(PFMSection* section);
 
 private:
     void rebuild();

@@ -47,7 +47,7 @@ QLabel* richLabel(QWidget* parent) {
 // A left click on the write-out dot opens the row's menu, as a right click does.
 class ClickMenuFilter : public QObject {
 public:
-    ClickMenuFilter(FieldRowView& row)
+    explicit ClickMenuFilter(FieldRowView& row)
         : QObject(&row)
         , m_row(row) {}
 

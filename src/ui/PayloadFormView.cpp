@@ -169,9 +169,12 @@ void PayloadFormView::buildNotices() {
     m_unfamiliarNotice->setForegroundRole(QPalette::PlaceholderText);
     m_unfamiliarRemove = new QPushButton(m_unfamiliarBox);
     connect(m_unfamiliarRemove, &QPushButton::clicked, this, [this] {
-        if (const auto payload = m_form.payload())
-            payload->clearUnfamiliarPreferenceKeys();
+        const auto payload = m_form.payload();
+        if (!payload)
+            return;
+        payload->clearUnfamiliarPreferenceKeys();
         refreshNotices();
+        Q_EMIT unfamiliarPropertiesRemoved();
     });
     row->addWidget(m_unfamiliarNotice, 1);
     row->addWidget(m_unfamiliarRemove);

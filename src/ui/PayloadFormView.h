@@ -60,6 +60,8 @@ public:
 Q_SIGNALS:
     void removeRequested();
     void saveSignedWithCommonNameEdited();
+    // The user dropped the keys no manifest knows; the history does not see it.
+    void unfamiliarPropertiesRemoved();
 
 private:
     class KeyWatcher;

@@ -134,6 +134,8 @@ void SectionFormView::followPayloads() {
         });
         connect(view, &PayloadFormView::saveSignedWithCommonNameEdited, this,
                 &SectionFormView::saveSignedWithCommonNameEdited);
+        connect(view, &PayloadFormView::unfamiliarPropertiesRemoved, this,
+                &SectionFormView::unfamiliarPropertiesRemoved);
         views.append(view);
         added = view;
     }

@@ -41,6 +41,7 @@ public:
 Q_SIGNALS:
     void removePayloadRequested(int payloadIndex);
     void saveSignedWithCommonNameEdited();
+    void unfamiliarPropertiesRemoved();
 
 private:
     void buildHeader();

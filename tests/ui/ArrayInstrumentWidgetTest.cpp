@@ -1,16 +1,21 @@
 #include "InstrumentWidgetFixture.h"
 
 #include "fields/ArrayInstrumentController.h"
+#include "fields/DataInstrumentController.h"
+#include "fields/FileChoice.h"
 #include "ui/ArrayInstrumentWidget.h"
 #include "ui/ArrayTableModel.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 
@@ -19,13 +24,35 @@ namespace {
 
 using namespace test;
 
+const QString certificatesDomain = QStringLiteral("com.example.certificates");
 const QString domainsDomain = QStringLiteral("com.apple.domains");
 const QString loginItemsDomain = QStringLiteral("com.apple.loginitems.managed");
 const QString loginItemsKey = QStringLiteral("AutoLaunchedApplicationDictionary-managed");
 
 class ArrayInstrumentWidgetTest : public InstrumentWidgetFixture {
 protected:
-    void SetUp() override { open(); }
+    // Beside the bundled domains, one whose rows hold a certificate file
+    // each, and a list of apps.
+    void SetUp() override {
+        const plist::Dictionary name{{QStringLiteral("pfm_name"), QStringLiteral("Name")},
+                                     {QStringLiteral("pfm_type"), QStringLiteral("string")}};
+        const plist::Dictionary content{
+            {QStringLiteral("pfm_name"), QStringLiteral("Content")},
+            {QStringLiteral("pfm_type"), QStringLiteral("data")},
+            {QStringLiteral("pfm_quorlin_allowed_file_extensions"), plist::Array{QStringLiteral("cer")}}};
+        const plist::Dictionary item{{QStringLiteral("pfm_type"), QStringLiteral("dictionary")},
+                                     {QStringLiteral("pfm_subkeys"), plist::Array{name, content}}};
+        const plist::Dictionary certificates{{QStringLiteral("pfm_name"), QStringLiteral("Certificates")},
+                                             {QStringLiteral("pfm_type"), QStringLiteral("array")},
+                                             {QStringLiteral("pfm_subkeys"), plist::Array{item}}};
+        const plist::Dictionary app{
+            {QStringLiteral("pfm_type"), QStringLiteral("string")},
+            {QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id")}};
+        const plist::Dictionary apps{{QStringLiteral("pfm_name"), QStringLiteral("Apps")},
+                                     {QStringLiteral("pfm_type"), QStringLiteral("array")},
+                                     {QStringLiteral("pfm_subkeys"), plist::Array{app}}};
+        open({domainWithKeys(plist::Array{certificates, apps}, certificatesDomain)});
+    }
 
     // The table of a top-level array key, shown in a window of its own.
     ArrayInstrumentWidget& showTable(const QString& domain, const QString& key) {
@@ -261,6 +288,65 @@ TEST_F(ArrayInstrumentWidgetTest, PopUpCellsOfNestedColumnsWriteTheAllowedValues
     pick(arrangement, 0); // the empty entry
     EXPECT_TRUE(details().value(QStringLiteral("arrangement")).isNull());
     EXPECT_EQ(details().value(QStringLiteral("label")), plist::Value(QStringLiteral("Documents")));
+}
+
+TEST_F(ArrayInstrumentWidgetTest, FileCellOfARowTakesAChosenFileOrShowsTheRefusal) {
+    showTable(certificatesDomain, QStringLiteral("Certificates"));
+    auto chooser = std::make_shared<ScriptedChooser>();
+    m_widget->setChooser(chooser);
+    m_widget->addRow();
+    if (QWidget* editor = QApplication::focusWidget(); editor && editor != &table())
+        QTest::keyClick(editor, Qt::Key_Escape);
+    QTemporaryDir folder;
+    const auto fileWith = [&](const QString& name, const QByteArray& bytes) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    };
+    const int content = columnOf(QStringLiteral("Content"));
+    const auto doubleClickContent = [&] {
+        const QPointF at = table().visualRect(view().index(0, content)).center();
+        QMouseEvent click(QEvent::MouseButtonDblClick, at, table().viewport()->mapToGlobal(at),
+                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(table().viewport(), &click);
+    };
+    const auto written = [&] {
+        return writtenValue(certificatesDomain, QStringLiteral("Certificates"))
+            .array()
+            ->first()
+            .dictionary()
+            ->value(QStringLiteral("Content"));
+    };
+
+    const QByteArray der("\x30\x82\x01\x0a", 4);
+    chooser->fileToOpen = fileWith(QStringLiteral("root.cer"), der);
+    doubleClickContent();
+    EXPECT_EQ(chooser->offeredExtensions, QStringList{QStringLiteral("cer")});
+    EXPECT_EQ(written(), plist::Value(der));
+    const auto cell = m_controller->makeCellInstrument(QStringLiteral("Content"), 0);
+    EXPECT_EQ(view().index(0, content).data().toString(),
+              *dynamic_cast<const DataInstrumentController&>(*cell).sizeText());
+
+    chooser->fileToOpen = fileWith(QStringLiteral("root.txt"), der + der);
+    doubleClickContent();
+    auto* refusal = m_widget->findChild<QLabel*>("refusalLabel");
+    EXPECT_TRUE(refusal->isVisible());
+    EXPECT_TRUE(refusal->text().contains(FileChoice::incompatibleText()));
+    EXPECT_EQ(written(), plist::Value(der));
+}
+
+TEST_F(ArrayInstrumentWidgetTest, AddingToAListOfAppsAsksForTheApp) {
+    showTable(certificatesDomain, QStringLiteral("Apps"));
+    auto chooser = std::make_shared<ScriptedChooser>();
+    m_widget->setChooser(chooser);
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    EXPECT_EQ(view().rowCount(), 0) << "a cancelled choice adds no row";
+    chooser->bundleId = QStringLiteral("com.example.Notes");
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    EXPECT_EQ(writtenValue(certificatesDomain, QStringLiteral("Apps")),
+              plist::Value(plist::Array{QStringLiteral("com.example.Notes")}));
+    EXPECT_EQ(view().index(0, 0).data().toString(), QStringLiteral("com.example.Notes"));
 }
 
 } // namespace

@@ -32,7 +32,7 @@ plist::Dictionary keyDescription(const QString& name, const QString& type, plist
     return extra;
 }
 
-// A certificate that must be a ".cer" starting with a DER sequence, an
+// An app's identifier, and a certificate that must be a ".cer" starting with a DER sequence, an
 // image, and a free-form dictionary.
 std::shared_ptr<const PFMDomain> filesDomainWithKeys() {
     const plist::Dictionary certificate = keyDescription(
@@ -43,7 +43,10 @@ std::shared_ptr<const PFMDomain> filesDomainWithKeys() {
         keyDescription(QStringLiteral("Icon"), QStringLiteral("data"),
                        {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("image")}});
     const plist::Dictionary extra = keyDescription(QStringLiteral("Extra"), QStringLiteral("dictionary"));
-    return domainWithKeys(plist::Array{certificate, icon, extra}, filesDomain);
+    const plist::Dictionary app =
+        keyDescription(QStringLiteral("App"), QStringLiteral("string"),
+                       {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id")}});
+    return domainWithKeys(plist::Array{certificate, icon, extra, app}, filesDomain);
 }
 
 class FileInstrumentWidgetTest : public InstrumentWidgetFixture {
@@ -181,6 +184,23 @@ TEST_F(FileInstrumentWidgetTest, CustomDictionaryShowsItsKeysAndRefusesAnArray) 
     chooseThroughButton(writeFile(QStringLiteral("list.plist"), *plist::XmlWriter::write(array)));
     EXPECT_TRUE(label("refusalLabel").text().contains(custom.checkImportedRoot(array)->informativeText));
     EXPECT_EQ(written(QStringLiteral("Extra")), plist::Value(content));
+}
+
+TEST_F(FileInstrumentWidgetTest, AppSelectorStoresTheChosenIdentifier) {
+    showField(QStringLiteral("App"));
+    m_chooser->bundleId = QStringLiteral("com.example.Mail");
+    QTest::mouseClick(m_widget->findChild<QPushButton*>("chooseButton"), Qt::LeftButton);
+    EXPECT_EQ(written(QStringLiteral("App")), plist::Value(QStringLiteral("com.example.Mail")));
+    EXPECT_EQ(label("summaryLabel").text(), QStringLiteral("com.example.Mail"));
+
+    // Cancelling the choice changes nothing.
+    m_chooser->bundleId.reset();
+    QTest::mouseClick(m_widget->findChild<QPushButton*>("chooseButton"), Qt::LeftButton);
+    EXPECT_EQ(written(QStringLiteral("App")), plist::Value(QStringLiteral("com.example.Mail")));
+
+    QTest::mouseClick(m_widget->findChild<QPushButton*>("clearButton"), Qt::LeftButton);
+    EXPECT_TRUE(written(QStringLiteral("App")).isNull());
+    EXPECT_FALSE(label("summaryLabel").isVisible());
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
+#include "ui/PropertyInfoPopover.h"
 #include "ui/SectionFormView.h"
 #include "ui/SigningRowView.h"
 #include "workspace/EditHistory.h"
@@ -28,6 +29,7 @@
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -293,6 +295,33 @@ TEST_F(ExclusionForm, TypingWritesThroughTheHistoryUndoRestoresAndTheMenuUnsets)
     delete menu;
 }
 
+TEST_F(ExclusionForm, TheInfoButtonsOpenTheInformationOfTheKeyAndOfTheSectionWithoutBlocking) {
+    QTest::mouseClick(proxySwitch(), Qt::LeftButton);
+    FieldRowView* host = row(QStringLiteral("ProxyHost"));
+    auto* button = host->findChild<QToolButton*>(QStringLiteral("propertyInfoButton"));
+    ASSERT_NE(button, nullptr);
+    QTest::mouseClick(button, Qt::LeftButton);
+    auto* popover = host->findChild<PropertyInfoPopover*>(QStringLiteral("PropertyInfoPopover"));
+    ASSERT_NE(popover, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(popover));
+    EXPECT_EQ(popover->model(), host->field().propertyInfo());
+    QStringList texts;
+    for (const QLabel* label : popover->findChildren<QLabel*>())
+        texts << label->text();
+    // The key is required now that the proxy is on.
+    EXPECT_TRUE(texts.contains(InfoPanelViewModel::presenceLabel()));
+    EXPECT_TRUE(texts.contains(*host->field().propertyInfo().presence));
+    EXPECT_TRUE(texts.contains(host->field().field()->prototype().title()));
+    popover->close();
+
+    SectionFormView* form = window.view.sectionFormView();
+    PropertyInfoPopover* sectionInfo = form->openSectionInfo();
+    ASSERT_NE(sectionInfo, nullptr);
+    EXPECT_FALSE(sectionInfo->model().presence.has_value());
+    EXPECT_EQ(sectionInfo->model().title, section->primaryDomain()->title());
+    sectionInfo->close();
+}
+
 TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     const auto domains =
         withGeneralDomain(domainsInFolder(testDataPath(QStringLiteral("workspace/forms/exclusion"))));
@@ -334,6 +363,39 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
     EXPECT_NE(window.view.findChild<QPushButton*>(QStringLiteral("addPayloadButton")), nullptr);
     window.history.undoStack().undo();
     EXPECT_NE(window.view.sectionFormView(), nullptr);
+}
+
+TEST(ContentView, TheNoticeOfUnfamiliarKeysNamesThemAndRemovesThem) {
+    Window window(withGeneralDomain({}));
+    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>PayloadType</key><string>Configuration</string>
+<key>PayloadVersion</key><integer>1</integer>
+<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
+<key>PayloadIdentifier</key><string>com.example.profile</string>
+<key>PayloadDisplayName</key><string>Profile</string>
+<key>MysteryKey</key><string>kept</string>
+<key>PayloadContent</key><array/>
+</dict></plist>)";
+    const auto parsed = Profile::parseProfile(profileData, withGeneralDomain({}), makeTestEnvironment());
+    ASSERT_TRUE(parsed);
+    window.profile = *parsed;
+    const Payload::Pointer root = window.profile->rootPayload();
+    ASSERT_TRUE(root->unfamiliarPreferenceKeys().has_value());
+    window.open(*window.general());
+    PayloadFormView& payload = *window.view.sectionFormView()->payloadViews().first();
+    const auto notice = payload.form().unfamiliarPropertiesNotice();
+    ASSERT_TRUE(notice.has_value());
+    EXPECT_TRUE(payload.unfamiliarNotice()->isVisibleTo(&payload));
+    EXPECT_EQ(payload.unfamiliarNotice()->text(), *notice);
+
+    QSignalSpy removals(&window.view, &ContentView::unfamiliarPropertiesRemoved);
+    auto* remove = payload.unfamiliarNotice()->parentWidget()->findChild<QPushButton*>();
+    ASSERT_NE(remove, nullptr);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    EXPECT_FALSE(root->unfamiliarPreferenceKeys().has_value());
+    EXPECT_FALSE(payload.unfamiliarNotice()->isVisibleTo(&payload));
+    EXPECT_EQ(removals.size(), 1);
 }
 
 TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
