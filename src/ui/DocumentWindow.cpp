@@ -26,6 +26,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -132,6 +133,7 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
     setUpDocument();
     updateTitle();
     updateCommandStates();
+    qApp->installEventFilter(this);
 }
 
 DocumentWindow::~DocumentWindow() {
@@ -844,6 +846,22 @@ void DocumentWindow::showEvent(QShowEvent* event) {
 void DocumentWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
     m_document->windowDidHide();
+}
+
+// Every keystroke of a form is already a step of the history; a text field's
+// own undo would only write its old text back as one more. So the form's
+// fields leave Undo and Redo to the window.
+bool DocumentWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::ShortcutOverride || !watched->isWidgetType())
+        return QMainWindow::eventFilter(watched, event);
+    auto* widget = static_cast<QWidget*>(watched);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (m_content && m_content->isAncestorOf(widget) &&
+        (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo))) {
+        event->ignore();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {

@@ -78,8 +78,13 @@ TEST_F(DocumentWindowTest, EditUndoSaveSignedAndReopen) {
     EXPECT_TRUE(window->document().isDocumentEdited());
     EXPECT_NE(profileBytes(*window->document().profile()), opened);
 
-    window->undoAction()->trigger();
+    // Undo from the field itself reaches the history, not the field's own undo.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_FALSE(sideBar.data(dockRow, SectionListModel::BadgeRole).isValid());
+    EXPECT_EQ(field->text(), QStringLiteral("48"));
     EXPECT_EQ(profileBytes(*window->document().profile()), opened);
     EXPECT_FALSE(window->document().isDocumentEdited());
     EXPECT_FALSE(window->isWindowModified());
