@@ -70,8 +70,11 @@ public:
 
     // Edits.
     void updateChangeCount(ChangeKind kind);
-    int changeCount() const { return m_changeCount; }
-    bool isDocumentEdited() const { return m_changeCount != 0; }
+    int changeCount() const { return m_changeCountSource ? m_changeCountSource() : m_changeCount; }
+    bool isDocumentEdited() const { return changeCount() != 0; }
+    // An editor with an undo history counts from it instead, so that undoing
+    // back to the saved state leaves nothing to save.
+    void setChangeCountSource(std::function<int()> source) { m_changeCountSource = std::move(source); }
     // The signing choice of the form; a change counts as an edit.
     void setSaveSignedWithCommonName(const std::optional<QString>& name);
 
@@ -133,6 +136,7 @@ private:
     bool m_suspendChangeCountUpdates = false;
     bool m_observesSigningName = false;
     int m_changeCount = 0;
+    std::function<int()> m_changeCountSource;
     DocumentNoticePresenter* m_noticePresenter = nullptr;
     SavePanelPresenter* m_savePanelPresenter = nullptr;
     DocumentEventReporter* m_eventReporter = nullptr;

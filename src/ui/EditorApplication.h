@@ -1,0 +1,55 @@
+#pragma once
+
+#include "shell/ApplicationStart.h"
+#include "ui/ApplicationActions.h"
+#include "ui/PassphraseDialog.h"
+
+#include <QKeySequence>
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+
+class QAction;
+
+namespace quorlin {
+
+class DocumentController;
+class ManifestRepositoryCoordinator;
+class UserDefaults;
+
+// The editor as a whole: the headless start, then the shared commands of the
+// menus, the documents and the manifest repository's side, and the end of
+// the program, which asks about each edited document first.
+class EditorApplication : public QObject {
+    Q_OBJECT
+
+public:
+    static inline const QString helpAddress = QStringLiteral("https://quorlin.com/profile-editor/help");
+
+    explicit EditorApplication(UserDefaults& defaults, QObject* parent = nullptr);
+    ~EditorApplication() override;
+
+    // Opens the files given, or one empty document; refused files are reported.
+    void launch(const QStringList& filePaths);
+    // Asks about unsaved changes in each window, then ends the program.
+    void quit();
+
+    DocumentController& documents() const { return *m_documents; }
+
+private:
+    void makeActions();
+    QAction* makeAction(const QString& title, const QKeySequence& shortcut);
+    void terminateIfAllowed();
+    void showAbout();
+
+    UserDefaults& m_defaults;
+    ApplicationStart m_start;
+    PassphraseDialog m_passphrases;
+    std::unique_ptr<DocumentController> m_documents;
+    ManifestRepositoryCoordinator* m_coordinator = nullptr;
+    ApplicationActions m_actions;
+    bool m_quitting = false;
+};
+
+} // namespace quorlin
