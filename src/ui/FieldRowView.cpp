@@ -1,18 +1,27 @@
 #include "ui/FieldRowView.h"
 
+#include "ui/ArrayInstrumentWidget.h"
+#include "ui/FileInstrumentWidget.h"
 #include "ui/HighlightedText.h"
 #include "ui/InstrumentWidgetFactory.h"
 #include "ui/PropertyInfoPopover.h"
 #include "ui/TagLabel.h"
 #include "ui/Tint.h"
 
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QEvent>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QShortcut>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -64,6 +73,79 @@ private:
     FieldRowView& m_row;
 };
 
+// The edit menu Qt gives the text control under a right click, if any: a
+// line edit of its own, or one inside a combo box or a date, or the page of
+// a text view.
+QMenu* standardEditMenu(QWidget* target, const QPoint& position) {
+    if (auto* edit = qobject_cast<QLineEdit*>(target))
+        return edit->createStandardContextMenu();
+    if (auto* text = qobject_cast<QPlainTextEdit*>(target->parentWidget());
+        text && text->viewport() == target)
+        return text->createStandardContextMenu(position);
+    if (auto* text = qobject_cast<QPlainTextEdit*>(target))
+        return text->createStandardContextMenu(text->viewport()->mapFrom(text, position));
+    if (qobject_cast<QAbstractSpinBox*>(target) || qobject_cast<QComboBox*>(target)) {
+        if (auto* edit = target->findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly))
+            return edit->createStandardContextMenu();
+    }
+    return nullptr;
+}
+
+// A right click inside a control offers the row's menu: above Qt's edit
+// items in a text control, alone in the others.
+class ControlMenuFilter : public QObject {
+public:
+    explicit ControlMenuFilter(FieldRowView& row)
+        : QObject(&row)
+        , m_row(row) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* target = qobject_cast<QWidget*>(watched);
+        if (event->type() != QEvent::ContextMenu || !target)
+            return QObject::eventFilter(watched, event);
+        auto* request = static_cast<QContextMenuEvent*>(event);
+        QMenu* menu = standardEditMenu(target, request->pos());
+        if (menu) {
+            menu->setAttribute(Qt::WA_DeleteOnClose);
+            menu->setObjectName(QStringLiteral("fieldContextMenu"));
+            QAction* first = menu->actions().value(0);
+            m_row.addMenuActions(*menu, first);
+            menu->insertSeparator(first);
+        } else {
+            menu = m_row.makeContextMenu(target);
+        }
+        menu->popup(request->globalPos());
+        return true;
+    }
+
+private:
+    FieldRowView& m_row;
+};
+
+// The check box's title is its label: a click on it is a click on the box.
+class TitleClickFilter : public QObject {
+public:
+    TitleClickFilter(QAbstractButton& box, QObject* parent)
+        : QObject(parent)
+        , m_box(box) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonRelease) {
+            auto* release = static_cast<QMouseEvent*>(event);
+            auto* label = static_cast<QWidget*>(watched);
+            if (release->button() == Qt::LeftButton &&
+                label->rect().contains(release->position().toPoint()) && m_box.isEnabled()) {
+                m_box.click();
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QAbstractButton& m_box;
+};
+
 void setTextIfChanged(QLabel* label, const QString& text) {
     if (label->text() != text)
         label->setText(text);
@@ -91,7 +173,13 @@ FieldRowView::FieldRowView(std::shared_ptr<FieldViewController> field, QWidget* 
     setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& position) { makeContextMenu(this)->popup(mapToGlobal(position)); });
+    auto* info = new QShortcut(propertyInfoShortcut(), this, this, [this] { openPropertyInfo(); });
+    info->setContext(Qt::WidgetWithChildrenShortcut);
     refresh();
+}
+
+QKeySequence FieldRowView::propertyInfoShortcut() {
+    return QKeySequence(Qt::CTRL | Qt::Key_I);
 }
 
 FieldRowView::~FieldRowView() {
@@ -126,7 +214,14 @@ void FieldRowView::buildTitleRow() {
     m_infoButton->setText(QStringLiteral("?"));
     m_infoButton->setAutoRaise(true);
     m_infoButton->setFocusPolicy(Qt::NoFocus);
+    // The button stays out of the Tab chain, which would double every row's
+    // stops; the keyboard reaches it through the row's shortcut instead.
     m_infoButton->setAccessibleName(QStringLiteral("Property Info"));
+    m_infoButton->setAccessibleDescription(
+        QStringLiteral("Shows the information of this key (%1)")
+            .arg(propertyInfoShortcut().toString(QKeySequence::NativeText)));
+    m_infoButton->setToolTip(
+        QStringLiteral("Property Info (%1)").arg(propertyInfoShortcut().toString(QKeySequence::NativeText)));
     connect(m_infoButton, &QToolButton::clicked, this, [this] { openPropertyInfo(); });
     row->addWidget(m_title, 1);
     row->addWidget(m_writeOut);
@@ -148,6 +243,7 @@ void FieldRowView::buildInstrumentRow() {
     for (const auto& instrument : m_field->instruments()) {
         QWidget* widget = InstrumentWidgetFactory::makeWidget(*m_field, *instrument, this);
         m_instruments.append(widget);
+        followRightClicks(widget);
         if (isBoolean) {
             // The check box goes before its title, as one line.
             auto* titleRow = static_cast<QHBoxLayout*>(mainLayout->itemAt(0)->layout());
@@ -156,11 +252,25 @@ void FieldRowView::buildInstrumentRow() {
             mainLayout->addWidget(widget);
         }
     }
+    if (isBoolean && !m_instruments.isEmpty()) {
+        if (auto* box = qobject_cast<QAbstractButton*>(m_instruments.first()))
+            m_title->installEventFilter(new TitleClickFilter(*box, this));
+    }
     if (isBoolean) {
         // The description reads under the check box's line, not between.
         mainLayout->removeWidget(m_description);
         mainLayout->addWidget(m_description);
     }
+}
+
+void FieldRowView::followRightClicks(QWidget* instrument) {
+    // The tables and file wells have menus of their own.
+    if (qobject_cast<ArrayInstrumentWidget*>(instrument) || qobject_cast<FileInstrumentWidget*>(instrument))
+        return;
+    auto* filter = new ControlMenuFilter(*this);
+    instrument->installEventFilter(filter);
+    for (QWidget* part : instrument->findChildren<QWidget*>())
+        part->installEventFilter(filter);
 }
 
 void FieldRowView::buildDetailsRow() {
@@ -251,14 +361,21 @@ QMenu* FieldRowView::makeContextMenu(QWidget* parent) {
     auto* menu = new QMenu(parent);
     menu->setObjectName(QStringLiteral("fieldContextMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    addMenuActions(*menu, nullptr);
+    return menu;
+}
+
+void FieldRowView::addMenuActions(QMenu& menu, QAction* before) {
     for (const MenuAction action : {MenuAction::unsetOnPayload, MenuAction::setPropertyToDefaultValue,
                                     MenuAction::forceEmptyValue, MenuAction::openPropertyInfoPanel}) {
-        QAction* item = menu->addAction(menuTitle(action));
+        auto* item = new QAction(menuTitle(action), &menu);
         item->setData(int(action));
         item->setEnabled(m_field->validateMenuItem(action));
+        if (action == MenuAction::openPropertyInfoPanel)
+            item->setShortcut(propertyInfoShortcut());
         connect(item, &QAction::triggered, this, [this, action] { perform(action); });
+        menu.insertAction(before, item);
     }
-    return menu;
 }
 
 void FieldRowView::perform(MenuAction action) {

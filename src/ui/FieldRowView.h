@@ -2,6 +2,7 @@
 
 #include "fields/FieldViewController.h"
 
+#include <QKeySequence>
 #include <QPointer>
 #include <QWidget>
 
@@ -33,6 +34,10 @@ public:
 
     // The row's context menu with each action enabled as the model says.
     QMenu* makeContextMenu(QWidget* parent);
+    // The row's menu items, put in `menu` before `before` (at the end when null).
+    void addMenuActions(QMenu& menu, QAction* before);
+    // Opens the property info from the keyboard anywhere in the row.
+    static QKeySequence propertyInfoShortcut();
     // Opens the information of the key; the popover closes as a pop-up does.
     PropertyInfoPopover* openPropertyInfo();
 
@@ -44,6 +49,7 @@ private:
     void buildTitleRow();
     void buildInstrumentRow();
     void buildDetailsRow();
+    void followRightClicks(QWidget* instrument);
     void refreshDetails();
     QString detailsSignature() const;
     void perform(FieldViewController::MenuAction action);

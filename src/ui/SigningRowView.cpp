@@ -4,14 +4,23 @@
 #include "model/ProfileSigningServices.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
+#include "ui/EditorApplication.h"
+#include "ui/FieldRowView.h"
 #include "ui/Tint.h"
 
 #include <QComboBox>
+#include <QContextMenuEvent>
+#include <QDesktopServices>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QShortcut>
 #include <QStandardItemModel>
 #include <QStyle>
+#include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -22,6 +31,9 @@ namespace {
 
 constexpr int noValueIndex = 0;
 constexpr int separatorIndex = 1;
+// The profile announces no change of its signing name, which the save
+// dialog may make while the form shows; a shown row looks this often.
+constexpr int followInterval = 150;
 
 } // namespace
 
@@ -45,6 +57,10 @@ QString SigningRowView::title() {
     return QStringLiteral("Signing Identity");
 }
 
+QUrl SigningRowView::helpUrl() {
+    return QUrl(EditorApplication::helpAddress + QStringLiteral("/signing"));
+}
+
 SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTrusted, QWidget* parent)
     : QWidget(parent)
     , m_profile(profile)
@@ -61,8 +77,23 @@ SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTru
     m_writeOut = new QLabel(QStringLiteral("\u25CF"), this);
     m_writeOut->setObjectName(QStringLiteral("writeOutIndicator"));
     Tint::setTextRole(*m_writeOut, QPalette::Highlight);
+    m_writeOut->installEventFilter(this);
+    auto* help = new QToolButton(this);
+    help->setObjectName(QStringLiteral("signingHelpButton"));
+    help->setText(QStringLiteral("?"));
+    help->setAutoRaise(true);
+    help->setFocusPolicy(Qt::NoFocus);
+    const QString shortcut = FieldRowView::propertyInfoShortcut().toString(QKeySequence::NativeText);
+    help->setAccessibleName(QStringLiteral("Signing Help"));
+    help->setAccessibleDescription(QStringLiteral("Opens the help on signing (%1)").arg(shortcut));
+    help->setToolTip(QStringLiteral("Signing Help (%1)").arg(shortcut));
+    connect(help, &QToolButton::clicked, this, &SigningRowView::openHelp);
+    auto* helpShortcut =
+        new QShortcut(FieldRowView::propertyInfoShortcut(), this, this, &SigningRowView::openHelp);
+    helpShortcut->setContext(Qt::WidgetWithChildrenShortcut);
     titleRow->addWidget(titleLabel, 1);
     titleRow->addWidget(m_writeOut);
+    titleRow->addWidget(help);
     layout->addLayout(titleRow);
     m_popUp = new QComboBox(this);
     m_popUp->setObjectName(QStringLiteral("signingIdentityPopUp"));
@@ -72,10 +103,49 @@ SigningRowView::SigningRowView(const Profile::Pointer& profile, TrustCheck isTru
     layout->addWidget(m_popUp, 0, Qt::AlignLeft);
     fillItems();
     connect(m_popUp, &QComboBox::activated, this, &SigningRowView::choose);
+    // The pop-up has no menu of its own; a right click on it offers the row's.
+    m_popUp->installEventFilter(this);
     setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& position) { makeContextMenu(this)->popup(mapToGlobal(position)); });
+    m_follow = new QTimer(this);
+    m_follow->setInterval(followInterval);
+    connect(m_follow, &QTimer::timeout, this, &SigningRowView::followProfile);
     refresh();
+}
+
+bool SigningRowView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_popUp && event->type() == QEvent::ContextMenu) {
+        makeContextMenu(m_popUp)->popup(static_cast<QContextMenuEvent*>(event)->globalPos());
+        return true;
+    }
+    if (watched == m_writeOut && event->type() == QEvent::MouseButtonPress) {
+        makeContextMenu(this)->popup(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void SigningRowView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    followProfile();
+    m_follow->start();
+}
+
+void SigningRowView::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    m_follow->stop();
+}
+
+void SigningRowView::followProfile() {
+    const auto profile = m_profile.lock();
+    const auto name = profile ? profile->saveSignedWithCommonName() : std::nullopt;
+    if (name != m_shownName)
+        refresh();
+}
+
+void SigningRowView::openHelp() {
+    QDesktopServices::openUrl(helpUrl());
 }
 
 void SigningRowView::fillItems() {
@@ -113,6 +183,7 @@ QStringList SigningRowView::itemTitles() const {
 void SigningRowView::refresh() {
     const auto profile = m_profile.lock();
     const auto name = profile ? profile->saveSignedWithCommonName() : std::nullopt;
+    m_shownName = name;
     m_writeOut->setVisible(name.has_value());
     const OptionalStringToPopUpButtonIndexValueTransformer transformer(itemTitles(), noValueIndex);
     const plist::Value index =
@@ -157,6 +228,9 @@ QMenu* SigningRowView::makeContextMenu(QWidget* parent) {
     QAction* toDefault = menu->addAction(QStringLiteral("Set to Default Value"));
     toDefault->setEnabled(name != defaultCommonName());
     connect(toDefault, &QAction::triggered, this, [this] { setCommonName(defaultCommonName()); });
+    QAction* help = menu->addAction(QStringLiteral("Property Info"));
+    help->setShortcut(FieldRowView::propertyInfoShortcut());
+    connect(help, &QAction::triggered, this, &SigningRowView::openHelp);
     return menu;
 }
 

@@ -3,6 +3,7 @@
 #include "model/Profile.h"
 
 #include <QStringList>
+#include <QUrl>
 #include <QWidget>
 
 #include <functional>
@@ -11,6 +12,7 @@
 class QComboBox;
 class QLabel;
 class QMenu;
+class QTimer;
 
 namespace quorlin {
 
@@ -32,6 +34,8 @@ public:
     static QString trustedToolTip();
     static QString untrustedToolTip();
     static QString title();
+    // The help page on signing, below the address of the Help menu's own.
+    static QUrl helpUrl();
 
     QComboBox* popUp() const { return m_popUp; }
     // The identity names in the order of the items after the separator.
@@ -39,6 +43,11 @@ public:
     // Selects what the profile holds now; a name not in the list leaves the selection.
     void refresh();
     QMenu* makeContextMenu(QWidget* parent);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 Q_SIGNALS:
     // The user chose another identity; the document counts it as an edit.
@@ -50,12 +59,17 @@ private:
     void choose(int index);
     void setCommonName(const std::optional<QString>& name);
     std::optional<QString> defaultCommonName() const;
+    // Shows the profile's name when it changed without this row.
+    void followProfile();
+    void openHelp();
 
     std::weak_ptr<Profile> m_profile;
     TrustCheck m_isTrusted;
     QStringList m_names;
     QComboBox* m_popUp = nullptr;
     QLabel* m_writeOut = nullptr;
+    std::optional<QString> m_shownName;
+    QTimer* m_follow = nullptr;
 };
 
 } // namespace quorlin

@@ -1,0 +1,307 @@
+// The rows of a form as a user handles them: a right click inside any
+// control offers the row's own menu, a check box's title is its label, the
+// keyboard reaches a row's information, and the signing row's menu and
+// pop-up follow the profile and the user's default.
+
+#include "documents/ProfileSigningBridge.h"
+#include "documents/SigningFixture.h"
+#include "plist/DefaultsKey.h"
+#include "plist/UserDefaults.h"
+#include "ui/ContentView.h"
+#include "ui/FieldRowView.h"
+#include "ui/PayloadFormView.h"
+#include "ui/PropertyInfoPopover.h"
+#include "ui/SectionFormView.h"
+#include "ui/SigningRowView.h"
+#include "workspace/EditHistory.h"
+#include "workspace/WorkspaceTestSupport.h"
+
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QDateTimeEdit>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace quorlin {
+namespace {
+
+using namespace test;
+using MenuAction = FieldViewController::MenuAction;
+
+plist::Dictionary key(const QString& name, const QString& type, plist::Dictionary extra = {}) {
+    extra.insert(QStringLiteral("pfm_name"), name);
+    extra.insert(QStringLiteral("pfm_title"), name + QStringLiteral(" Title"));
+    extra.insert(QStringLiteral("pfm_type"), type);
+    return extra;
+}
+
+std::shared_ptr<const PFMDomain> controlsDomain() {
+    const plist::Array keys{
+        key(QStringLiteral("Count"), QStringLiteral("integer")),
+        key(QStringLiteral("Name"), QStringLiteral("string")),
+        key(QStringLiteral("Notes"), QStringLiteral("string"),
+            {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("text")}}),
+        key(QStringLiteral("Colour"), QStringLiteral("string"),
+            {{QStringLiteral("pfm_range_list"),
+              plist::Array{QStringLiteral("red"), QStringLiteral("green")}}}),
+        key(QStringLiteral("Server"), QStringLiteral("string"),
+            {{QStringLiteral("pfm_quorlin_suggestions"),
+              plist::Array{QStringLiteral("a.example"), QStringLiteral("b.example")}}}),
+        key(QStringLiteral("When"), QStringLiteral("date")),
+        key(QStringLiteral("Enabled"), QStringLiteral("boolean")),
+    };
+    return PFMDomain::make({{QStringLiteral("pfm_domain"), QStringLiteral("com.example.controls")},
+                            {QStringLiteral("pfm_title"), QStringLiteral("Controls")},
+                            {QStringLiteral("pfm_description"), QStringLiteral("Every simple control")},
+                            {QStringLiteral("pfm_format_version"), 1},
+                            {QStringLiteral("pfm_subkeys"), keys}});
+}
+
+// One payload of the controls domain in a shown form, edits going to a history.
+class ControlsForm : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const auto domains = withGeneralDomain({controlsDomain()});
+        profile = Profile::makeNewProfile(domains, makeTestEnvironment());
+        collection = std::make_unique<PFMSectionCollection>(domains);
+        PFMSection* section = sectionTitled(*collection, QStringLiteral("Controls"));
+        ASSERT_NE(section, nullptr);
+        section->setKeyValueWriter(history.keyValueWriter());
+        history.addPayload(*section, profile);
+        view.resize(800, 600);
+        view.setSection(section);
+        view.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+        form = view.sectionFormView()->payloadViews().first();
+    }
+
+    FieldRowView* row(const QString& name) const { return form->rowForKey(name); }
+
+    Profile::Pointer profile;
+    std::unique_ptr<PFMSectionCollection> collection;
+    EditHistory history;
+    ContentView view;
+    PayloadFormView* form = nullptr;
+};
+
+// Where a right click lands in a control: the text part when it has one.
+QWidget* clickTarget(QWidget& control) {
+    if (auto* text = qobject_cast<QPlainTextEdit*>(&control))
+        return text->viewport();
+    if (auto* combo = qobject_cast<QComboBox*>(&control); combo && combo->lineEdit())
+        return combo->lineEdit();
+    return &control;
+}
+
+QMenu* rightClick(QWidget* target) {
+    const QPoint inside(4, 4);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, inside, target->mapToGlobal(inside));
+    QApplication::sendEvent(target, &event);
+    return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+}
+
+struct ControlCase {
+    QString keyName;
+    std::function<void(QWidget&)> edit;
+    // Qt's own edit items follow the row's.
+    bool hasEditItems;
+};
+
+TEST_F(ControlsForm, ARightClickInEachControlOffersTheRowsMenuWhoseUnsetIsOneUndoableStep) {
+    const std::vector<ControlCase> cases{
+        {QStringLiteral("Count"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("12")); },
+         true},
+        {QStringLiteral("Name"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("Alpha")); },
+         true},
+        {QStringLiteral("Notes"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("one")); },
+         true},
+        {QStringLiteral("Colour"),
+         [](QWidget& widget) {
+             auto& popUp = static_cast<QComboBox&>(widget);
+             popUp.setCurrentIndex(popUp.findText(QStringLiteral("green")));
+             Q_EMIT popUp.activated(popUp.currentIndex());
+         },
+         false},
+        {QStringLiteral("Server"),
+         [](QWidget& widget) {
+             QTest::keyClicks(static_cast<QComboBox&>(widget).lineEdit(), QStringLiteral("c"));
+         },
+         true},
+        {QStringLiteral("When"),
+         [](QWidget& widget) {
+             static_cast<QDateTimeEdit&>(widget).setDateTime(QDateTime(QDate(2024, 5, 17), QTime(9, 30)));
+         },
+         true},
+        {QStringLiteral("Enabled"), [](QWidget& widget) { QTest::mouseClick(&widget, Qt::LeftButton); },
+         false},
+    };
+    for (const ControlCase& test : cases) {
+        SCOPED_TRACE(test.keyName.toStdString());
+        FieldRowView* field = row(test.keyName);
+        ASSERT_NE(field, nullptr);
+        QWidget& control = *field->instrumentWidgets().first();
+        const PreferenceKey::Pointer stored = field->field().field();
+        test.edit(control);
+        ASSERT_NE(stored->value().plistValue(), nullptr);
+        const plist::Value edited = *stored->value().plistValue();
+        const int steps = history.undoStack().count();
+
+        QMenu* menu = rightClick(clickTarget(control));
+        ASSERT_NE(menu, nullptr);
+        const QList<QAction*> items = menu->actions();
+        ASSERT_GE(items.size(), 4);
+        for (int index = 0; index < 4; ++index) {
+            const auto action = MenuAction(items.at(index)->data().toInt());
+            EXPECT_EQ(action, MenuAction(index));
+            EXPECT_EQ(items.at(index)->isEnabled(), field->field().validateMenuItem(action));
+        }
+        if (test.hasEditItems) {
+            ASSERT_GT(items.size(), 5);
+            EXPECT_TRUE(items.at(4)->isSeparator());
+            EXPECT_TRUE(std::any_of(items.begin() + 5, items.end(), [](QAction* item) {
+                return item->text().contains(QStringLiteral("Copy"));
+            }));
+        } else {
+            EXPECT_EQ(items.size(), 4);
+        }
+
+        ASSERT_TRUE(items.first()->isEnabled());
+        items.first()->trigger();
+        menu->close();
+        EXPECT_TRUE(stored->value().isAbsent());
+        EXPECT_EQ(history.undoStack().count(), steps + 1);
+        history.undoStack().undo();
+        ASSERT_NE(stored->value().plistValue(), nullptr);
+        EXPECT_EQ(*stored->value().plistValue(), edited);
+    }
+}
+
+TEST_F(ControlsForm, ClickingACheckBoxsTitleTogglesItAsOneUndoableStep) {
+    FieldRowView* field = row(QStringLiteral("Enabled"));
+    ASSERT_NE(field, nullptr);
+    auto* box = qobject_cast<QCheckBox*>(field->instrumentWidgets().first());
+    ASSERT_NE(box, nullptr);
+    const PreferenceKey::Pointer stored = field->field().field();
+
+    const int steps = history.undoStack().count();
+    QTest::mouseClick(field->titleLabel(), Qt::LeftButton);
+    ASSERT_NE(stored->value().plistValue(), nullptr);
+    EXPECT_EQ(*stored->value().plistValue(), plist::Value(true));
+    EXPECT_TRUE(box->isChecked());
+    EXPECT_EQ(history.undoStack().count(), steps + 1);
+
+    history.undoStack().undo();
+    EXPECT_TRUE(stored->value().isAbsent());
+    EXPECT_FALSE(box->isChecked());
+    history.undoStack().redo();
+    EXPECT_TRUE(box->isChecked());
+    history.undoStack().undo();
+    // A right button on the title is no click.
+    QTest::mouseClick(field->titleLabel(), Qt::RightButton);
+    EXPECT_TRUE(stored->value().isAbsent());
+}
+
+TEST_F(ControlsForm, TheShortcutOpensTheInformationOfTheFocusedRowWhoseButtonIsNamed) {
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    for (const QString& name : {QStringLiteral("Name"), QStringLiteral("Notes")}) {
+        SCOPED_TRACE(name.toStdString());
+        FieldRowView* field = row(name);
+        QWidget* control = field->instrumentWidgets().first();
+        control->setFocus();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return control->hasFocus(); }));
+        QTest::keySequence(control, FieldRowView::propertyInfoShortcut());
+        auto* popover = field->findChild<PropertyInfoPopover*>(QStringLiteral("PropertyInfoPopover"));
+        ASSERT_NE(popover, nullptr);
+        EXPECT_EQ(popover->model(), field->field().propertyInfo());
+        popover->close();
+        auto* button = field->findChild<QToolButton*>(QStringLiteral("propertyInfoButton"));
+        EXPECT_FALSE(button->accessibleName().isEmpty());
+        EXPECT_TRUE(button->toolTip().contains(
+            FieldRowView::propertyInfoShortcut().toString(QKeySequence::NativeText)));
+    }
+}
+
+class SigningRowControls : public SigningFixture {
+protected:
+    void TearDown() override {
+        UserDefaults::standard().remove(DefaultsKey::preferencesDefaultsSigningIdentity);
+    }
+
+    Profile::Pointer makeProfile(std::shared_ptr<ProfileEnvironment> environment = makeTestEnvironment()) {
+        return Profile::makeNewProfile(withGeneralDomain({}), std::move(environment));
+    }
+};
+
+struct SigningMenuCase {
+    std::optional<QString> profileName;
+    std::optional<QString> defaultName;
+    bool unsetEnabled;
+    bool toDefaultEnabled;
+};
+
+TEST_F(SigningRowControls, TheMenuEnablesUnsetAndSetToDefaultByTheProfileAndTheUsersDefault) {
+    const QString one = QStringLiteral("One Signer");
+    const QString two = QStringLiteral("Two Signer");
+    const std::vector<SigningMenuCase> cases{
+        {std::nullopt, std::nullopt, false, false},
+        {one, std::nullopt, true, true},
+        {std::nullopt, one, false, true},
+        {one, one, true, false},
+        {one, two, true, true},
+    };
+    for (const SigningMenuCase& test : cases) {
+        SCOPED_TRACE(test.profileName.value_or(QStringLiteral("-")).toStdString() + " / " +
+                     test.defaultName.value_or(QStringLiteral("-")).toStdString());
+        const auto profile = makeProfile();
+        profile->setSaveSignedWithCommonName(test.profileName);
+        UserDefaults::standard().set(DefaultsKey::preferencesDefaultsSigningIdentity,
+                                     test.defaultName ? plist::Value(*test.defaultName) : plist::Value());
+        SigningRowView row(profile, {});
+        QMenu* menu = row.makeContextMenu(&row);
+        const QList<QAction*> items = menu->actions();
+        ASSERT_GE(items.size(), 2);
+        EXPECT_EQ(items.at(0)->isEnabled(), test.unsetEnabled);
+        EXPECT_EQ(items.at(1)->isEnabled(), test.toDefaultEnabled);
+        if (test.toDefaultEnabled) {
+            items.at(1)->trigger();
+            EXPECT_EQ(profile->saveSignedWithCommonName(), test.defaultName);
+        }
+        delete menu;
+    }
+}
+
+TEST_F(SigningRowControls, ThePopUpFollowsTheProfilesSigningNameChangedElsewhere) {
+    ASSERT_TRUE(importIdentity(leaf));
+    auto environment = makeTestEnvironment();
+    environment->signingServices = std::make_shared<ProfileSigningBridge>(services);
+    const auto profile = makeProfile(environment);
+    SigningRowView row(profile, {});
+    row.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&row));
+    auto* writeOut = row.findChild<QLabel*>(QStringLiteral("writeOutIndicator"));
+    ASSERT_EQ(row.popUp()->currentText(), SigningRowView::noValueLabel());
+
+    profile->setSaveSignedWithCommonName(signerName);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return row.popUp()->currentText() == signerName; }, 2000));
+    EXPECT_TRUE(writeOut->isVisibleTo(&row));
+    profile->setSaveSignedWithCommonName(std::nullopt);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return row.popUp()->currentText() == SigningRowView::noValueLabel(); }, 2000));
+    EXPECT_FALSE(writeOut->isVisibleTo(&row));
+}
+
+} // namespace
+} // namespace quorlin
