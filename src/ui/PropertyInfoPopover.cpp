@@ -75,6 +75,9 @@ PropertyInfoPopover::PropertyInfoPopover(const InfoPanelViewModel& model, QWidge
         connect(button, &QPushButton::clicked, this, [url] { QDesktopServices::openUrl(url); });
         layout->addWidget(button, 0, Qt::AlignLeft);
     }
+    // Wrapping labels alone would squeeze a pop-up to a narrow column; the
+    // widths follow the font so that a larger scale reads the same.
+    setMinimumWidth(fontMetrics().averageCharWidth() * 36);
     setMaximumWidth(fontMetrics().averageCharWidth() * 70);
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/InstrumentText.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 
 namespace quorlin {
@@ -15,8 +16,9 @@ TextInstrumentWidget::TextInstrumentWidget(FieldViewController& field, Instrumen
     : QPlainTextEdit(parent)
     , InstrumentControlSide(field, instrument) {
     setTabChangesFocus(true);
+    // Fixed to its hint, not to a number: the hint follows the font, so a
+    // larger scale or font keeps the four lines whole.
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setFixedHeight(sizeHint().height());
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
         if (m_isShowing)
             return;
@@ -41,6 +43,16 @@ void TextInstrumentWidget::showNullPlaceholder(const std::optional<plist::Value>
 
 void TextInstrumentWidget::showEnabled(bool enabled) {
     setEnabled(enabled);
+}
+
+QSize TextInstrumentWidget::minimumSizeHint() const {
+    return {QPlainTextEdit::minimumSizeHint().width(), sizeHint().height()};
+}
+
+void TextInstrumentWidget::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        updateGeometry();
 }
 
 QSize TextInstrumentWidget::sizeHint() const {

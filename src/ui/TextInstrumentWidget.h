@@ -18,6 +18,10 @@ public:
     void showNullPlaceholder(const std::optional<plist::Value>& placeholder) override;
     void showEnabled(bool enabled) override;
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void changeEvent(QEvent* event) override;
 
 private:
     bool m_isShowing = false;

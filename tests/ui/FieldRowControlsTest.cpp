@@ -234,6 +234,30 @@ TEST_F(ControlsForm, TheShortcutOpensTheInformationOfTheFocusedRowWhoseButtonIsN
     }
 }
 
+TEST_F(ControlsForm, EveryControlKeepsItsWholeHeightWhenTheFontDoubles) {
+    QFont large = view.font();
+    large.setPointSizeF(large.pointSizeF() * 2);
+    view.setFont(large);
+    view.resize(1600, 1200);
+    QApplication::processEvents();
+    for (const QString& name :
+         {QStringLiteral("Count"), QStringLiteral("Name"), QStringLiteral("Notes"), QStringLiteral("Colour"),
+          QStringLiteral("Server"), QStringLiteral("When"), QStringLiteral("Enabled")}) {
+        SCOPED_TRACE(name.toStdString());
+        QWidget* control = row(name)->instrumentWidgets().first();
+        control->ensurePolished();
+        EXPECT_EQ(control->font().pointSizeF(), large.pointSizeF());
+        EXPECT_GE(control->height(), control->sizeHint().height());
+        // A check box's square is the style's, whatever the font.
+        if (!qobject_cast<QCheckBox*>(control)) {
+            EXPECT_GE(control->height(), QFontMetrics(large).height());
+        }
+    }
+    // The text view shows four lines of the larger font.
+    EXPECT_GE(row(QStringLiteral("Notes"))->instrumentWidgets().first()->height(),
+              4 * QFontMetrics(large).lineSpacing());
+}
+
 class SigningRowControls : public SigningFixture {
 protected:
     void TearDown() override {
