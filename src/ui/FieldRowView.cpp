@@ -269,8 +269,12 @@ void FieldRowView::followRightClicks(QWidget* instrument) {
         return;
     auto* filter = new ControlMenuFilter(*this);
     instrument->installEventFilter(filter);
-    for (QWidget* part : instrument->findChildren<QWidget*>())
-        part->installEventFilter(filter);
+    // The text parts are direct children (a combo box's or a date's line
+    // edit, a text view's page); a pop-up list is a window of its own.
+    for (QWidget* part : instrument->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!part->isWindow())
+            part->installEventFilter(filter);
+    }
 }
 
 void FieldRowView::buildDetailsRow() {
