@@ -1,7 +1,7 @@
 #include "cli/ProfileContext.h"
 
 #include "cli/ToolSettings.h"
-#include "documents/ProfileSigningBridge.h"
+#include "documents/SigningProfileEnvironment.h"
 
 namespace quorlin::cli {
 
@@ -11,9 +11,7 @@ Expected<ProfileContext, QString> ProfileContext::make(const std::optional<QStri
     if (!listing)
         return fail(listing.error());
     SigningServices signing(passphrases);
-    auto environment =
-        std::make_shared<ProfileEnvironment>(*ProfileEnvironment::makeFromDefaults(ToolSettings::defaults()));
-    environment->signingServices = std::make_shared<ProfileSigningBridge>(signing);
+    auto environment = SigningProfileEnvironment::make(ToolSettings::defaults(), signing);
     return ProfileContext{std::move(listing->domains), std::move(environment), std::move(signing)};
 }
 

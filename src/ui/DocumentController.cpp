@@ -1,6 +1,7 @@
 #include "ui/DocumentController.h"
 
 #include "documents/ProfileDocument.h"
+#include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "ui/DocumentWindow.h"
 #include "ui/WindowNoticePresenter.h"
@@ -377,6 +378,25 @@ void DocumentController::fillWindowMenu(QMenu& menu) {
             window->raise();
             window->activateWindow();
         });
+    }
+}
+
+void DocumentController::updatePreferencesDefault(const QString& defaultsKey) {
+    if (m_defaults.boolean(DefaultsKey::preferencesDefaultsAutomaticallyUpdate) != true)
+        return;
+    const QString name = defaultsKey == DefaultsKey::preferencesDefaultsOrganizationName
+                             ? QStringLiteral(".PayloadOrganization")
+                         : defaultsKey == DefaultsKey::preferencesDefaultsConsentText
+                             ? QStringLiteral(".ConsentText")
+                             : QString();
+    if (name.isEmpty())
+        return;
+    const QString text = m_defaults.string(defaultsKey).value_or(QString());
+    for (DocumentWindow* window : std::as_const(m_windows)) {
+        const auto& profile = window->document().profile();
+        const auto key = profile ? profile->preferencesDefault(name) : nullptr;
+        if (key)
+            window->history().setValue(key, plist::Value(text));
     }
 }
 

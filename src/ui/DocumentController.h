@@ -68,6 +68,11 @@ public:
     // Reads the file again, dropping the edits, after asking.
     void revertToSaved(DocumentWindow* window);
 
+    // A new organization or consent text for new profiles (named by its
+    // defaults key) reaches each open document that still has the key it
+    // filled, as an undoable edit, when the user asked for that.
+    void updatePreferencesDefault(const QString& defaultsKey);
+
     QStringList recentDocuments() const;
     void noteRecentDocument(const QString& filePath);
     void clearRecentDocuments();

@@ -1,6 +1,7 @@
 #include "ui/EditorApplication.h"
 
 #include "documents/ProfileSigningBridge.h"
+#include "documents/SigningProfileEnvironment.h"
 #include "documents/SigningServices.h"
 #include "plist/ApplicationIdentity.h"
 #include "supply/PFMDomainManager.h"
@@ -22,22 +23,22 @@ namespace quorlin {
 EditorApplication::EditorApplication(UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
-    , m_start(defaults) {}
+    , m_start(defaults)
+    , m_terminate([] { QCoreApplication::quit(); }) {}
 
 EditorApplication::~EditorApplication() = default;
 
 void EditorApplication::launch(const QStringList& filePaths) {
     m_start.run();
-    PFMDomainManager& domainManager = *m_start.domainManager();
+    launch(*m_start.domainManager(), filePaths);
+}
+
+void EditorApplication::launch(PFMDomainManager& domainManager, const QStringList& filePaths) {
     DocumentController::Supply supply;
     supply.domains = [&domainManager] { return domainManager.domains(); };
     // Read for each document, so a change of the preferences reaches the next new profile.
-    supply.environment = [this]() -> std::shared_ptr<const ProfileEnvironment> {
-        auto environment =
-            std::make_shared<ProfileEnvironment>(*ProfileEnvironment::makeFromDefaults(m_defaults));
-        environment->signingServices =
-            std::make_shared<ProfileSigningBridge>(SigningServices(&m_passphrases));
-        return environment;
+    supply.environment = [this] {
+        return SigningProfileEnvironment::make(m_defaults, SigningServices(&m_passphrases));
     };
     supply.isIdentityTrusted = [this](const QString& name) {
         const SigningServices signing(&m_passphrases);
@@ -50,12 +51,14 @@ void EditorApplication::launch(const QStringList& filePaths) {
         [this] { return ProfileSigningBridge(SigningServices(&m_passphrases)).identityCommonNames(); });
     makeActions();
     m_documents->setApplicationActions(&m_actions);
-    // Closing the last document window ends the program, unless a reload is on its way.
+    connect(m_coordinator, &ManifestRepositoryCoordinator::preferencesDefaultTextEdited, m_documents.get(),
+            &DocumentController::updatePreferencesDefault);
+    // Closing the last window ends the program, unless a reload is on its way.
     QApplication::setQuitOnLastWindowClosed(false);
-    connect(m_documents.get(), &DocumentController::lastWindowClosed, this, [this] {
-        if (!m_quitting)
-            terminateIfAllowed();
-    });
+    connect(m_documents.get(), &DocumentController::lastWindowClosed, this,
+            &EditorApplication::lastWindowMayHaveClosed);
+    connect(m_coordinator, &ManifestRepositoryCoordinator::windowClosed, this,
+            &EditorApplication::lastWindowMayHaveClosed);
 
     if (filePaths.isEmpty())
         m_documents->openUntitledAtLaunch();
@@ -122,11 +125,19 @@ void EditorApplication::quit() {
     });
 }
 
+// The preferences and the updates window count as windows of their own.
+void EditorApplication::lastWindowMayHaveClosed() {
+    if (m_quitting || !m_documents->windows().isEmpty() || m_documents->isReloading() ||
+        m_coordinator->hasVisibleWindow())
+        return;
+    terminateIfAllowed();
+}
+
 // The preferences may hold repository settings that want checking before the end.
 void EditorApplication::terminateIfAllowed() {
-    m_coordinator->shouldTerminate([](bool terminate) {
+    m_coordinator->shouldTerminate([this](bool terminate) {
         if (terminate)
-            QCoreApplication::quit();
+            m_terminate();
     });
 }
 

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class QAction;
@@ -16,6 +17,7 @@ namespace quorlin {
 
 class DocumentController;
 class ManifestRepositoryCoordinator;
+class PFMDomainManager;
 class UserDefaults;
 
 // The editor as a whole: the headless start, then the shared commands of the
@@ -32,15 +34,22 @@ public:
 
     // Opens the files given, or one empty document; refused files are reported.
     void launch(const QStringList& filePaths);
+    // The same on a domain manager of the caller's, without the headless start.
+    void launch(PFMDomainManager& domainManager, const QStringList& filePaths);
     // Asks about unsaved changes in each window, then ends the program.
     void quit();
 
+    // Both made by launch().
     DocumentController& documents() const { return *m_documents; }
+    ManifestRepositoryCoordinator& coordinator() const { return *m_coordinator; }
+    // How the program ends once nothing holds it; quitting the event loop by default.
+    void setTerminator(std::function<void()> terminate) { m_terminate = std::move(terminate); }
 
 private:
     void makeActions();
     QAction* makeAction(const QString& title, const QKeySequence& shortcut);
     void terminateIfAllowed();
+    void lastWindowMayHaveClosed();
     void showAbout();
 
     UserDefaults& m_defaults;
@@ -49,6 +58,7 @@ private:
     std::unique_ptr<DocumentController> m_documents;
     ManifestRepositoryCoordinator* m_coordinator = nullptr;
     ApplicationActions m_actions;
+    std::function<void()> m_terminate;
     bool m_quitting = false;
 };
 

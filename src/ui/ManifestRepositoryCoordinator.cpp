@@ -11,6 +11,7 @@
 #include "ui/MessageBoxNoticePresenter.h"
 #include "ui/PreferencesWindow.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QTimer>
 #include <QToolButton>
@@ -150,6 +151,9 @@ void ManifestRepositoryCoordinator::showPreferences() {
         m_preferences = new PreferencesWindow(m_defaults, std::move(services));
         connect(m_preferences, &PreferencesWindow::manifestRepositoryDidChange, this,
                 &ManifestRepositoryCoordinator::manifestRepositorySettingsDidChange);
+        connect(m_preferences, &PreferencesWindow::profileDefaultTextEdited, this,
+                &ManifestRepositoryCoordinator::preferencesDefaultTextEdited);
+        m_preferences->installEventFilter(this);
     }
     if (m_signingIdentityNames)
         m_preferences->setSigningIdentityNames(m_signingIdentityNames());
@@ -167,6 +171,7 @@ ManifestUpdatesWindow& ManifestRepositoryCoordinator::updatesWindow() {
         m_updates = new ManifestUpdatesWindow(m_defaults);
         connect(m_updates, &ManifestUpdatesWindow::reloadAllProfilesRequested, this,
                 &ManifestRepositoryCoordinator::reloadAllProfiles);
+        m_updates->installEventFilter(this);
     }
     return *m_updates;
 }
@@ -266,6 +271,17 @@ void ManifestRepositoryCoordinator::shouldTerminate(std::function<void(bool mayQ
         return;
     }
     m_preferences->requestLeave(std::move(reply));
+}
+
+bool ManifestRepositoryCoordinator::hasVisibleWindow() const {
+    return (m_preferences && m_preferences->isVisible()) || (m_updates && m_updates->isVisible());
+}
+
+bool ManifestRepositoryCoordinator::eventFilter(QObject* watched, QEvent* event) {
+    // A minimized window is hidden too, yet still counts as visible.
+    if (event->type() == QEvent::Hide && !static_cast<QWidget*>(watched)->isVisible())
+        QTimer::singleShot(0, this, &ManifestRepositoryCoordinator::windowClosed);
+    return QObject::eventFilter(watched, event);
 }
 
 } // namespace quorlin

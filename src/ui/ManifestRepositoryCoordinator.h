@@ -53,13 +53,25 @@ public:
     void setSigningIdentityNames(std::function<QStringList()> names) {
         m_signingIdentityNames = std::move(names);
     }
+    // Whether the preferences or the updates window shows: the program
+    // stays while one does, even with no document left.
+    bool hasVisibleWindow() const;
     // Made by the calls above; null before.
     PreferencesWindow* preferencesWindow() const { return m_preferences; }
     ManifestUpdatesWindow* manifestUpdatesWindow() const { return m_updates; }
 
+Q_SIGNALS:
+    // The preferences or the updates window was closed.
+    void windowClosed();
+    // The user typed a new organization or consent text for new profiles.
+    void preferencesDefaultTextEdited(const QString& defaultsKey);
+
 public Q_SLOTS:
     // Asks whether to reload now (unless suppressed) and waits for a running check.
     void manifestRepositorySettingsDidChange();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void showOnlineUpdatesNotice();

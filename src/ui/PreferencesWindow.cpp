@@ -7,6 +7,7 @@
 #include "shell/RepositorySettingsVerification.h"
 #include "supply/FolderBookmark.h"
 #include "supply/GitHubManifestRepository.h"
+#include "ui/EditorApplication.h"
 #include "ui/NoticePresenter.h"
 
 #include <QButtonGroup>
@@ -14,6 +15,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -22,7 +24,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 #include <QTabWidget>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace quorlin {
@@ -95,10 +99,14 @@ QWidget* PreferencesWindow::buildDefaultsPane() {
     auto* organization = new QLineEdit(pane);
     organization->setObjectName(QStringLiteral("organizationNameTextField"));
     bindLineEdit(organization, DefaultsKey::preferencesDefaultsOrganizationName);
+    connect(organization, &QLineEdit::textEdited, this,
+            [this] { Q_EMIT profileDefaultTextEdited(DefaultsKey::preferencesDefaultsOrganizationName); });
     form->addRow(tr("Organization:"), organization);
     auto* consent = new QLineEdit(pane);
     consent->setObjectName(QStringLiteral("consentTextField"));
     bindLineEdit(consent, DefaultsKey::preferencesDefaultsConsentText);
+    connect(consent, &QLineEdit::textEdited, this,
+            [this] { Q_EMIT profileDefaultTextEdited(DefaultsKey::preferencesDefaultsConsentText); });
     form->addRow(tr("Consent Text:"), consent);
     auto* prefix = new QLineEdit(pane);
     prefix->setObjectName(QStringLiteral("identifierPrefixTextField"));
@@ -222,6 +230,11 @@ QWidget* PreferencesWindow::buildVerificationRow(QWidget* pane) {
     auto* row = new QWidget(pane);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
+    auto* help = namedButton(tr("Help"), QStringLiteral("manifestsHelpButton"), row);
+    help->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton));
+    connect(help, &QPushButton::clicked, this,
+            [] { QDesktopServices::openUrl(QUrl(EditorApplication::helpAddress)); });
+    layout->addWidget(help);
     m_verificationRow = new QWidget(row);
     auto* progressLayout = new QHBoxLayout(m_verificationRow);
     progressLayout->setContentsMargins(0, 0, 0, 0);

@@ -62,6 +62,8 @@ public:
 Q_SIGNALS:
     // The stored repository settings changed.
     void manifestRepositoryDidChange();
+    // The user edited the organization or the consent text for new profiles.
+    void profileDefaultTextEdited(const QString& defaultsKey);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -1,0 +1,14 @@
+#include "documents/SigningProfileEnvironment.h"
+
+#include "documents/ProfileSigningBridge.h"
+
+namespace quorlin {
+
+std::shared_ptr<const ProfileEnvironment> SigningProfileEnvironment::make(const UserDefaults& defaults,
+                                                                          const SigningServices& signing) {
+    auto environment = std::make_shared<ProfileEnvironment>(*ProfileEnvironment::makeFromDefaults(defaults));
+    environment->signingServices = std::make_shared<ProfileSigningBridge>(signing);
+    return environment;
+}
+
+} // namespace quorlin
