@@ -38,6 +38,21 @@ plist::Value ValueBinding::displayedValue() const {
     return {};
 }
 
+namespace {
+
+// Controls also report their value when nothing changed (a text field losing
+// focus); writing it again would count as an edit of an untouched document.
+bool holdsAlready(const PreferenceKey& key, const PreferenceKeyValue& stored) {
+    const PreferenceKeyValue& current = key.value();
+    if (current.isAbsent() || stored.isAbsent())
+        return current.isAbsent() && stored.isAbsent();
+    const plist::Value* held = current.plistValue();
+    const plist::Value* given = stored.plistValue();
+    return held && given && *held == *given;
+}
+
+} // namespace
+
 void ValueBinding::controlValueDidChange(const plist::Value& controlValue, bool isFinal) {
     if (!m_control || m_role != Role::value)
         return;
@@ -54,6 +69,8 @@ void ValueBinding::controlValueDidChange(const plist::Value& controlValue, bool 
         stored = PreferenceKeyValue(controlValue);
     else
         return; // a one-way transformer leaves the stored value alone
+    if (holdsAlready(*key, stored))
+        return;
     m_isWriting = true;
     m_writer->writeValue(key, stored, KeyPath::identity(*key));
     m_isWriting = false;

@@ -59,6 +59,11 @@ TEST_F(BindingTest, EditsTravelBothWaysAndThroughTheWriter) {
     // The control already shows what it wrote; it isn't reset under the user's typing.
     EXPECT_EQ(control.showCount, shownBefore);
 
+    // A control that reports what the key already holds (focus leaving an
+    // untouched field) makes no edit.
+    binding->controlValueDidChange(plist::Value("second"));
+    EXPECT_EQ(writer->identities, QStringList{"Name"});
+
     payload->keyAtPath("Name")->setValue(plist::Value("third"));
     EXPECT_EQ(control.shown, plist::Value("third"));
     payload->keyAtPath("Name")->setValue(PreferenceKeyValue());
