@@ -772,12 +772,11 @@ void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
                        done](const Expected<ProfileDocument::SaveResult, DocumentError>& result) {
         if (!alive)
             return;
-        if (!result) {
+        if (!result)
             m_noticePresenter.presentError(result.error());
-        }
-        if (!result || !result->saved)
+        if (!result || !result->saved) {
             m_history.dropRepairOfFailedSave();
-        if (result && result->saved) {
+        } else {
             m_history.markSaved();
             m_untrackedEdits = 0;
             updateTitle();
@@ -787,6 +786,7 @@ void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
         if (done)
             done(result && result->saved);
     };
+    // The repair the save would make by itself becomes a step of the history.
     m_history.repairBeforeSave(m_document->profile());
     if (operation == ProfileDocument::SaveOperation::saveAs)
         m_document->saveDocumentAs(invalidValueCount(), completion);
