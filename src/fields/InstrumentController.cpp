@@ -95,7 +95,7 @@ void InstrumentController::unbindValue() {
 
 void InstrumentController::writeValue(const PreferenceKeyValue& value) {
     if (m_representedObject)
-        m_writer->writeValue(m_representedObject, value, KeyPath::identity(*m_representedObject));
+        m_writer->writeValue(m_representedObject, value, QString());
 }
 
 // Only renews bindings in force: while the view loads, the look is applied

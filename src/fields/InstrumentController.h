@@ -77,7 +77,10 @@ protected:
 
     // Binds `path` on the represented key to the attached control.
     std::shared_ptr<ValueBinding> bind(ValueBinding::Role role, const QString& path, BindingOptions options);
-    // Sets a value through the writer, with this key's place as the edit's identity.
+    // Sets a value through the writer as a step of its own. Only the
+    // instrument's commands come here (a file loaded, a value removed, a
+    // default stored, a choice made); none of them is typing, so none may
+    // merge with the write that follows, even on the same key.
     void writeValue(const PreferenceKeyValue& value);
     void rebind();
     void setTrackRequirementStatus(bool on);

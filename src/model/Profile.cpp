@@ -246,6 +246,36 @@ void Profile::insertPayload(const Payload::Pointer& payload, qsizetype index) {
     keyDidChange(payload.get(), nullptr);
 }
 
+QList<Profile::PlacedUnfamiliarPayload> Profile::removeUnfamiliarPayloads(const QStringList& payloadTypes) {
+    QList<PlacedUnfamiliarPayload> removed;
+    QList<plist::Dictionary> kept;
+    for (qsizetype index = 0; index < m_unfamiliarPayloads.size(); ++index) {
+        const plist::Dictionary& payload = m_unfamiliarPayloads[index];
+        const auto type = payload.string(payloadTypeName);
+        if (type && payloadTypes.contains(*type))
+            removed.append({index, payload});
+        else
+            kept.append(payload);
+    }
+    if (removed.isEmpty())
+        return removed;
+    SelfChangeScope scope(m_performingSelfChange, SelfChange::removingUnfamiliarPayloads);
+    m_unfamiliarPayloads = std::move(kept);
+    announceChange(nullptr, nullptr);
+    return removed;
+}
+
+// In ascending order each place is already right when its payload goes back.
+void Profile::restoreUnfamiliarPayloads(const QList<PlacedUnfamiliarPayload>& removed) {
+    if (removed.isEmpty())
+        return;
+    SelfChangeScope scope(m_performingSelfChange, SelfChange::removingUnfamiliarPayloads);
+    for (const PlacedUnfamiliarPayload& placed : removed)
+        m_unfamiliarPayloads.insert(std::clamp<qsizetype>(placed.index, 0, m_unfamiliarPayloads.size()),
+                                    placed.payload);
+    announceChange(nullptr, nullptr);
+}
+
 QString Profile::makeUniquePayloadUUID() const {
     QSet<QString> used;
     if (m_rootPayload) {

@@ -45,7 +45,13 @@ public:
         friend bool operator==(const ValidationError&, const ValidationError&) = default;
     };
 
-    enum class SelfChange { none, addingRemovalPasswordPayload };
+    enum class SelfChange { none, addingRemovalPasswordPayload, removingUnfamiliarPayloads };
+    // An unfamiliar payload and its place in the list it was taken from.
+    struct PlacedUnfamiliarPayload {
+        qsizetype index = 0;
+        plist::Dictionary payload;
+        friend bool operator==(const PlacedUnfamiliarPayload&, const PlacedUnfamiliarPayload&) = default;
+    };
     enum class SigningNameError { unknownIdentity };
 
     // Nothing when no domain has an empty payload type, the root's.
@@ -83,6 +89,11 @@ public:
     // so that undoing a removal gives back the same bytes.
     void insertPayload(const Payload::Pointer& payload, qsizetype index);
     QString makeUniquePayloadUUID() const;
+    // Takes out every unfamiliar payload whose "PayloadType" is one of
+    // `payloadTypes`; what it returns, in ascending order of place, is what
+    // restoreUnfamiliarPayloads needs to give back the same bytes.
+    QList<PlacedUnfamiliarPayload> removeUnfamiliarPayloads(const QStringList& payloadTypes);
+    void restoreUnfamiliarPayloads(const QList<PlacedUnfamiliarPayload>& removed);
 
     QList<ValidationError> validationErrors() const;
     void repairValidationErrors();

@@ -37,9 +37,6 @@ State CommandAvailability::removePayload(const PFMSection* section) {
         return disabled(noSection);
     if (section->sectionProperties().required)
         return disabled(QStringLiteral("Every profile needs this section."));
-    // The profile offers no way yet to let go of payloads no manifest knows.
-    if (section->sectionKind() == PFMSection::Kinds::unfamiliar)
-        return disabled(QStringLiteral("Payloads that no manifest describes are kept as they were read."));
     if (section->payloadsConfigured() <= 0)
         return disabled(noPayloads);
     return enabled();

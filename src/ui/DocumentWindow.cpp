@@ -413,6 +413,8 @@ void DocumentWindow::buildToolbar() {
 // The forms narrow their rows to what the side-bar filters on, and mark what it searches.
 void DocumentWindow::followFilters() {
     m_displaySettings.filteredForPlatforms = m_filter->filteredForPlatforms();
+    // "Show Configured Only" narrows the forms too, to the rows that write out.
+    m_displaySettings.filteredForConfigured = m_filter->predicateConfiguredOnlyActive();
     m_displaySettings.highlightedTerm = m_filter->highlightedTerm();
     applyDisplaySettings();
 }
@@ -613,10 +615,8 @@ void DocumentWindow::addPayloadFromFile(PFMSection& section) {
     connect(dialog, &QFileDialog::fileSelected, this, [this, target](const QString& filePath) {
         if (!target)
             return;
-        const auto result = target->addPayload(m_document->profile(), filePath);
-        if (result == PFMSection::AddPayloadResult::added)
-            countUntrackedEdit();
-        else if (result == PFMSection::AddPayloadResult::fileIncompatible)
+        const auto result = m_history.addPayload(*target, m_document->profile(), filePath);
+        if (result == PFMSection::AddPayloadResult::fileIncompatible)
             WindowNoticePresenter::showError(this, QStringLiteral("The file can't be added to this section."),
                                              QStringLiteral("The file is not of a kind the section takes."));
         target->setFieldDisplaySettings(m_displaySettings);
@@ -637,6 +637,11 @@ QStringList DocumentWindow::payloadTitles(const PFMSection& section) const {
 void DocumentWindow::removePayloads(PFMSection& section, const QList<int>& payloadIndexes) {
     if (!CommandAvailability::removePayload(&section).enabled)
         return;
+    if (section.sectionKind() == PFMSection::Kinds::unfamiliar) {
+        m_history.removeUnfamiliarPayloads(m_sections, section, m_document->profile());
+        updateCommandStates();
+        return;
+    }
     QList<int> indexes = payloadIndexes;
     if (indexes.isEmpty() && section.payloadsConfigured() == 1)
         indexes = {0};
@@ -767,9 +772,11 @@ void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
                        done](const Expected<ProfileDocument::SaveResult, DocumentError>& result) {
         if (!alive)
             return;
-        if (!result) {
+        if (!result)
             m_noticePresenter.presentError(result.error());
-        } else if (result->saved) {
+        if (!result || !result->saved) {
+            m_history.dropRepairOfFailedSave();
+        } else {
             m_history.markSaved();
             m_untrackedEdits = 0;
             updateTitle();
@@ -779,6 +786,8 @@ void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
         if (done)
             done(result && result->saved);
     };
+    // The repair the save would make by itself becomes a step of the history.
+    m_history.repairBeforeSave(m_document->profile());
     if (operation == ProfileDocument::SaveOperation::saveAs)
         m_document->saveDocumentAs(invalidValueCount(), completion);
     else

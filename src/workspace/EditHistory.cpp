@@ -5,7 +5,9 @@
 #include "workspace/PayloadCommands.h"
 #include "workspace/PayloadViewController.h"
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace quorlin {
 
@@ -59,9 +61,13 @@ void EditHistory::setValue(const PreferenceKey::Pointer& key, const PreferenceKe
     m_undoStack.push(new KeyValueCommand(key, value, identity));
 }
 
-PFMSection::AddPayloadResult EditHistory::addPayload(PFMSection& section, const Profile::Pointer& profile) {
+PFMSection::AddPayloadResult EditHistory::addPayload(PFMSection& section, const Profile::Pointer& profile,
+                                                     const std::optional<QString>& filePath) {
     auto result = PFMSection::AddPayloadResult::refused;
-    m_undoStack.push(new AddPayloadCommand(section, profile, &result));
+    if (filePath)
+        m_undoStack.push(new AddPayloadCommand(section, profile, *filePath, &result));
+    else
+        m_undoStack.push(new AddPayloadCommand(section, profile, &result));
     return result;
 }
 
@@ -70,6 +76,47 @@ void EditHistory::removePayloads(PFMSection& section, const Profile::Pointer& pr
     auto command = std::make_unique<RemovePayloadsCommand>(section, profile, formIndexes);
     if (!command->isEmpty())
         m_undoStack.push(command.release());
+}
+
+void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
+                                           const Profile::Pointer& profile) {
+    if (section.sectionKind() != PFMSection::Kinds::unfamiliar || !sections.content().contains(&section))
+        return;
+    m_undoStack.push(new RemoveUnfamiliarPayloadsCommand(sections, section, profile));
+}
+
+void EditHistory::repairBeforeSave(const Profile::Pointer& profile) {
+    m_pendingRepair = nullptr;
+    if (!profile || !needsRepair(*profile))
+        return;
+    PreferenceKey::KeyList keys = profile->rootPayload()->preferenceKeys();
+    for (const auto& payload : profile->configurationPayloads())
+        keys.append(payload->preferenceKeys());
+    auto* repair = new KeySnapshotCommand(QStringLiteral("Repair Payload Identifiers"), keys,
+                                          [profile] { profile->repairValidationErrors(); });
+    m_undoStack.push(repair);
+    m_pendingRepair = repair;
+}
+
+void EditHistory::dropRepairOfFailedSave() {
+    QUndoCommand* repair = std::exchange(m_pendingRepair, nullptr);
+    const int last = m_undoStack.index() - 1;
+    if (!repair || last < 0 || m_undoStack.command(last) != repair)
+        return;
+    // An obsolete step leaves the stack on undo without being undone itself.
+    repair->undo();
+    repair->setObsolete(true);
+    m_undoStack.undo();
+}
+
+bool EditHistory::needsRepair(const Profile& profile) {
+    const auto errors = profile.validationErrors();
+    return std::any_of(errors.begin(), errors.end(), [](const Profile::ValidationError& error) {
+        using Kind = Profile::ValidationErrorKind;
+        return error.kind == Kind::nonUniquePayloadUUIDFound ||
+               error.kind == Kind::nonUniquePayloadIdentifierFound ||
+               error.kind == Kind::identifierValueEqualsItsDefault;
+    });
 }
 
 void EditHistory::populateDefaults(PayloadViewController& form) {

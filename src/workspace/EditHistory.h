@@ -3,6 +3,7 @@
 #include "fields/KeyValueWriter.h"
 #include "model/Profile.h"
 #include "workspace/PFMSection.h"
+#include "workspace/SectionArrayController.h"
 
 #include <QList>
 #include <QObject>
@@ -10,6 +11,7 @@
 #include <QUndoStack>
 
 #include <memory>
+#include <optional>
 
 namespace quorlin {
 
@@ -35,9 +37,21 @@ public:
     void setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value);
     void setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
                   const QString& editIdentity);
-    PFMSection::AddPayloadResult addPayload(PFMSection& section, const Profile::Pointer& profile);
+    // With a file, for a file-based section; undo and redo keep the payload it made.
+    PFMSection::AddPayloadResult addPayload(PFMSection& section, const Profile::Pointer& profile,
+                                            const std::optional<QString>& filePath = std::nullopt);
     void removePayloads(PFMSection& section, const Profile::Pointer& profile, const QList<int>& formIndexes);
+    // Every payload of an unfamiliar section, and its row, as one step.
+    void removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
+                                  const Profile::Pointer& profile);
     void populateDefaults(PayloadViewController& form);
+
+    // A save repairs duplicate and default identifiers before it writes.
+    // Doing it here first makes the repair a step of its own, so that the
+    // saved state is where the history stands and undo goes back past it.
+    void repairBeforeSave(const Profile::Pointer& profile);
+    // The save didn't happen: the repair it made goes, as if never done.
+    void dropRepairOfFailedSave();
 
     // The writer that field instruments are given: their writes become steps here.
     std::shared_ptr<KeyValueWriter> keyValueWriter();
@@ -53,10 +67,13 @@ private:
     class Writer;
 
     void followIndex();
+    static bool needsRepair(const Profile& profile);
 
     QUndoStack m_undoStack;
     int m_lastChangeCount = 0;
     std::shared_ptr<Writer> m_writer;
+    // The repair of the save under way, while it is the last step.
+    QUndoCommand* m_pendingRepair = nullptr;
 };
 
 } // namespace quorlin

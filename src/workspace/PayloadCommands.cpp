@@ -30,6 +30,12 @@ AddPayloadCommand::AddPayloadCommand(PFMSection& section, Profile::Pointer profi
     setText(QStringLiteral("Add %1 Payload").arg(section.sectionProperties().title));
 }
 
+AddPayloadCommand::AddPayloadCommand(PFMSection& section, Profile::Pointer profile, QString filePath,
+                                     PFMSection::AddPayloadResult* result)
+    : AddPayloadCommand(section, std::move(profile), result) {
+    m_filePath = std::move(filePath);
+}
+
 void AddPayloadCommand::redo() {
     if (!m_section)
         return;
@@ -39,7 +45,7 @@ void AddPayloadCommand::redo() {
         return;
     }
     m_done = true;
-    const auto result = m_section->addPayload(m_profile, std::nullopt);
+    const auto result = m_section->addPayload(m_profile, m_filePath);
     if (m_result)
         *m_result = result;
     if (result != PFMSection::AddPayloadResult::added) {
@@ -88,6 +94,30 @@ void RemovePayloadsCommand::undo() {
         return;
     for (const PlacedPayload& placed : m_placed)
         putBack(*m_section, m_profile, placed);
+}
+
+RemoveUnfamiliarPayloadsCommand::RemoveUnfamiliarPayloadsCommand(SectionArrayController& sections,
+                                                                 PFMSection& section,
+                                                                 Profile::Pointer profile)
+    : m_sections(&sections)
+    , m_section(&section)
+    , m_payloadTypes(section.domains().keys())
+    , m_profile(std::move(profile)) {
+    setText(QStringLiteral("Remove %1 Payload").arg(section.sectionProperties().title));
+}
+
+void RemoveUnfamiliarPayloadsCommand::redo() {
+    if (!m_sections)
+        return;
+    m_takenSection = m_sections->takeOwnedObject(m_section);
+    m_removed = m_profile->removeUnfamiliarPayloads(m_payloadTypes);
+}
+
+void RemoveUnfamiliarPayloadsCommand::undo() {
+    m_profile->restoreUnfamiliarPayloads(m_removed);
+    m_removed.clear();
+    if (m_sections)
+        m_sections->insertOwnedObject(std::move(m_takenSection));
 }
 
 } // namespace quorlin

@@ -2,6 +2,7 @@
 
 #include "model/Profile.h"
 #include "workspace/PFMSection.h"
+#include "workspace/SectionArrayController.h"
 
 #include <QList>
 #include <QPointer>
@@ -25,6 +26,9 @@ public:
     // `result` learns what the section answered.
     AddPayloadCommand(PFMSection& section, Profile::Pointer profile,
                       PFMSection::AddPayloadResult* result = nullptr);
+    // The payload of a file, for a file-based section.
+    AddPayloadCommand(PFMSection& section, Profile::Pointer profile, QString filePath,
+                      PFMSection::AddPayloadResult* result = nullptr);
 
     void redo() override;
     void undo() override;
@@ -33,6 +37,7 @@ public:
 private:
     QPointer<PFMSection> m_section;
     Profile::Pointer m_profile;
+    std::optional<QString> m_filePath;
     PFMSection::AddPayloadResult* m_result;
     PlacedPayload m_placed;
     bool m_done = false;
@@ -52,6 +57,26 @@ private:
     Profile::Pointer m_profile;
     // In ascending order of form row, so putting them back in order restores both lists.
     QList<PlacedPayload> m_placed;
+};
+
+// All payloads of an unfamiliar section, and its row in the side-bar, as
+// one step. The section is kept while it is out, so undo brings back the
+// same row.
+class RemoveUnfamiliarPayloadsCommand : public QUndoCommand {
+public:
+    RemoveUnfamiliarPayloadsCommand(SectionArrayController& sections, PFMSection& section,
+                                    Profile::Pointer profile);
+
+    void redo() override;
+    void undo() override;
+
+private:
+    QPointer<SectionArrayController> m_sections;
+    PFMSection* m_section;
+    QStringList m_payloadTypes;
+    Profile::Pointer m_profile;
+    std::unique_ptr<PFMSection> m_takenSection;
+    QList<Profile::PlacedUnfamiliarPayload> m_removed;
 };
 
 } // namespace quorlin

@@ -54,6 +54,28 @@ void SectionArrayController::removeObject(PFMSection* section) {
     std::erase_if(m_ownedSections, [&](const auto& owned) { return owned.get() == section; });
 }
 
+std::unique_ptr<PFMSection> SectionArrayController::takeOwnedObject(PFMSection* section) {
+    const auto owned = std::find_if(m_ownedSections.begin(), m_ownedSections.end(),
+                                    [&](const auto& candidate) { return candidate.get() == section; });
+    if (owned == m_ownedSections.end())
+        return nullptr;
+    std::unique_ptr<PFMSection> taken = std::move(*owned);
+    m_ownedSections.erase(owned);
+    m_content.removeOne(section);
+    disconnect(section, nullptr, this, nullptr);
+    rearrangeObjects();
+    return taken;
+}
+
+void SectionArrayController::insertOwnedObject(std::unique_ptr<PFMSection> section) {
+    if (!section || m_content.contains(section.get()))
+        return;
+    m_content.append(section.get());
+    follow(section.get());
+    m_ownedSections.push_back(std::move(section));
+    rearrangeObjects();
+}
+
 void SectionArrayController::setFilterPredicate(Predicate predicate) {
     m_predicate = std::move(predicate);
     rearrangeObjects();

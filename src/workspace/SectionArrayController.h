@@ -32,6 +32,10 @@ public:
     // this list owns them.
     void addUnfamiliarSections(const Profile& profile);
     void removeObject(PFMSection* section);
+    // Takes an unfamiliar section out and hands it over, so that undo can
+    // give the very same row back; nothing for a section this list doesn't own.
+    std::unique_ptr<PFMSection> takeOwnedObject(PFMSection* section);
+    void insertOwnedObject(std::unique_ptr<PFMSection> section);
 
     const QList<PFMSection*>& content() const { return m_content; }
     // Filtered and sorted, as the side-bar shows them.
