@@ -1,10 +1,10 @@
 #include "model/Profile.h"
 #include "model/ProfileEnvironment.h"
 #include "plist/PlistReader.h"
+#include "plist/UserDefaults.h"
 #include "plist/XmlWriter.h"
 #include "schema/PFMDomain.h"
 #include "support/TestSupport.h"
-#include "plist/UserDefaults.h"
 #include "validation/ProfileValidation.h"
 #include "validation/ValidationSettings.h"
 
@@ -49,9 +49,17 @@ bool matchesExactlyOnce(const QString& format, const QString& candidate) {
 
 // A string an administrator might type that the key's format accepts.
 QString sampleString(const PFMKeyPrototype& key) {
-    QStringList candidates{"com.example.app", "https://example.com/path", "example.com", "user@example.com",
-                           "A1B2C3D4-1111-2222-3333-444455556666", "00:11:22:33:44:55", "ABCDE12345",
-                           "192.168.1.1", "example", "1.0", "12345"};
+    QStringList candidates{"com.example.app",
+                           "https://example.com/path",
+                           "example.com",
+                           "user@example.com",
+                           "A1B2C3D4-1111-2222-3333-444455556666",
+                           "00:11:22:33:44:55",
+                           "ABCDE12345",
+                           "192.168.1.1",
+                           "example",
+                           "1.0",
+                           "12345"};
     if (key.valuePlaceholder())
         candidates.prepend(*key.valuePlaceholder());
     if (!key.format())
@@ -80,7 +88,8 @@ QString currentRelease(PFMSupportedPlatforms::Model model) {
 // platform that withdrew it rightly reports every key.
 bool isWithdrawn(const SupportedPlatform& platform) {
     using Stage = PFMSupportedPlatforms::LifeCycleStage;
-    return platform.versions && (platform.versions->count(Stage::removal) || platform.versions->count(Stage::deprecation));
+    return platform.versions &&
+           (platform.versions->count(Stage::removal) || platform.versions->count(Stage::deprecation));
 }
 
 // A valid value of the key's own making: its default, its first allowed
@@ -179,7 +188,8 @@ TEST(BundledProfiles, APayloadOfEachDomainWithItsRequiredKeysFilledIsValidAndRea
             for (const auto& error : errors) {
                 const bool isRoot = error.payload == profile->rootPayload();
                 Dictionary& values = isRoot ? root : payloadDictionary(root);
-                ASSERT_TRUE(fillPath(values, error.payload->domainPrototype().keyPrototypes(), error.keyPath.split(u'.')))
+                ASSERT_TRUE(fillPath(values, error.payload->domainPrototype().keyPrototypes(),
+                                     error.keyPath.split(u'.')))
                     << error.keyPath.toStdString() << ": " << error.message.toStdString();
             }
         }
@@ -199,7 +209,8 @@ TEST(BundledProfiles, APayloadOfEachDomainWithItsRequiredKeysFilledIsValidAndRea
             targets.setMinimumVersion(platform.model, currentRelease(platform.model));
         }
         for (const auto& error : ProfileValidation::validate(*profile, &targets))
-            ADD_FAILURE() << "for its platforms, " << error.keyPath.toStdString() << ": " << error.message.toStdString();
+            ADD_FAILURE() << "for its platforms, " << error.keyPath.toStdString() << ": "
+                          << error.message.toStdString();
 
         const auto data = profile->profileData();
         ASSERT_TRUE(data);
