@@ -49,8 +49,11 @@ public:
     const std::optional<plist::Dictionary>& unfamiliarPreferenceKeys() const {
         return m_unfamiliarPreferenceKeys;
     }
-    // The user may clear them in the form.
+    // The user may clear them in the form, and undo puts them back.
     void clearUnfamiliarPreferenceKeys() { m_unfamiliarPreferenceKeys.reset(); }
+    void setUnfamiliarPreferenceKeys(std::optional<plist::Dictionary> keys) {
+        m_unfamiliarPreferenceKeys = std::move(keys);
+    }
 
     plist::Dictionary writeOutDictionary() const;
     PreferenceKey::KeyList keyNamed(const QString& name) const;

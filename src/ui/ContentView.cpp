@@ -132,8 +132,10 @@ QWidget* ContentView::makeFormView(PFMSection& section) {
             [this, pointer](int index) { Q_EMIT removePayloadRequested(pointer, index); });
     connect(m_formView, &SectionFormView::saveSignedWithCommonNameEdited, this,
             [this, pointer] { Q_EMIT saveSignedWithCommonNameEdited(pointer); });
-    connect(m_formView, &SectionFormView::unfamiliarPropertiesRemoved, this,
-            [this, pointer] { Q_EMIT unfamiliarPropertiesRemoved(pointer); });
+    connect(m_formView, &SectionFormView::unfamiliarPropertiesRemoveRequested, this,
+            [this, pointer](const std::shared_ptr<Payload>& payload) {
+                Q_EMIT unfamiliarPropertiesRemoveRequested(pointer, payload);
+            });
     return m_formView;
 }
 

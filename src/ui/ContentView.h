@@ -50,8 +50,8 @@ Q_SIGNALS:
     void removePayloadRequested(PFMSection* section, int payloadIndex);
     // The signing row chose another identity: an edit of the document.
     void saveSignedWithCommonNameEdited(PFMSection* section);
-    // A payload's unfamiliar keys were dropped: also an edit the history doesn't record.
-    void unfamiliarPropertiesRemoved(PFMSection* section);
+    // The user asks to drop a payload's unfamiliar keys: an edit for the history.
+    void unfamiliarPropertiesRemoveRequested(PFMSection* section, const std::shared_ptr<Payload>& payload);
 
 private:
     void rebuild();

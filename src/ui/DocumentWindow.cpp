@@ -176,6 +176,14 @@ void DocumentWindow::buildLayout() {
         if (section)
             removePayloads(*section, {index});
     });
+    connect(m_content, &ContentView::unfamiliarPropertiesRemoveRequested, this,
+            [this](PFMSection*, const Payload::Pointer& payload) {
+                m_history.removeUnfamiliarPreferenceKeys(payload);
+            });
+    connect(&m_history, &EditHistory::unfamiliarPreferenceKeysChanged, this, [this] {
+        if (SectionFormView* form = m_content->sectionFormView())
+            form->refresh();
+    });
     // The signing choice isn't a key of the profile; the history doesn't see it.
     connect(m_content, &ContentView::saveSignedWithCommonNameEdited, this,
             &DocumentWindow::countUntrackedEdit);

@@ -168,13 +168,10 @@ void PayloadFormView::buildNotices() {
     m_unfamiliarNotice->setWordWrap(true);
     m_unfamiliarNotice->setForegroundRole(QPalette::PlaceholderText);
     m_unfamiliarRemove = new QPushButton(m_unfamiliarBox);
+    // The window removes them, as an edit it can undo, and refreshes the form.
     connect(m_unfamiliarRemove, &QPushButton::clicked, this, [this] {
-        const auto payload = m_form.payload();
-        if (!payload)
-            return;
-        payload->clearUnfamiliarPreferenceKeys();
-        refreshNotices();
-        Q_EMIT unfamiliarPropertiesRemoved();
+        if (const auto payload = m_form.payload())
+            Q_EMIT unfamiliarPropertiesRemoveRequested(payload);
     });
     row->addWidget(m_unfamiliarNotice, 1);
     row->addWidget(m_unfamiliarRemove);

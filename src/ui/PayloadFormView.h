@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fields/KeyValueWriter.h"
+#include "model/Payload.h"
 #include "ui/SigningRowView.h"
 
 #include <QList>
@@ -60,8 +61,8 @@ public:
 Q_SIGNALS:
     void removeRequested();
     void saveSignedWithCommonNameEdited();
-    // The user dropped the keys no manifest knows; the history does not see it.
-    void unfamiliarPropertiesRemoved();
+    // The user asks to drop the keys no manifest knows.
+    void unfamiliarPropertiesRemoveRequested(const std::shared_ptr<Payload>& payload);
 
 private:
     class KeyWatcher;

@@ -134,8 +134,8 @@ void SectionFormView::followPayloads() {
         });
         connect(view, &PayloadFormView::saveSignedWithCommonNameEdited, this,
                 &SectionFormView::saveSignedWithCommonNameEdited);
-        connect(view, &PayloadFormView::unfamiliarPropertiesRemoved, this,
-                &SectionFormView::unfamiliarPropertiesRemoved);
+        connect(view, &PayloadFormView::unfamiliarPropertiesRemoveRequested, this,
+                &SectionFormView::unfamiliarPropertiesRemoveRequested);
         views.append(view);
         added = view;
     }

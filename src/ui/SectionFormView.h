@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fields/FieldDisplaySettings.h"
+#include "model/Payload.h"
 #include "ui/SigningRowView.h"
 
 #include <QList>
@@ -41,7 +42,7 @@ public:
 Q_SIGNALS:
     void removePayloadRequested(int payloadIndex);
     void saveSignedWithCommonNameEdited();
-    void unfamiliarPropertiesRemoved();
+    void unfamiliarPropertiesRemoveRequested(const std::shared_ptr<Payload>& payload);
 
 private:
     void buildHeader();

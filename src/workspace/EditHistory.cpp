@@ -78,6 +78,13 @@ void EditHistory::removePayloads(PFMSection& section, const Profile::Pointer& pr
         m_undoStack.push(command.release());
 }
 
+void EditHistory::removeUnfamiliarPreferenceKeys(const Payload::Pointer& payload) {
+    if (!payload || !payload->unfamiliarPreferenceKeys())
+        return;
+    m_undoStack.push(
+        new RemoveUnfamiliarKeysCommand(payload, [this] { Q_EMIT unfamiliarPreferenceKeysChanged(); }));
+}
+
 void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
                                            const Profile::Pointer& profile) {
     if (section.sectionKind() != PFMSection::Kinds::unfamiliar || !sections.content().contains(&section))

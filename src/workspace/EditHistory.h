@@ -41,6 +41,8 @@ public:
     PFMSection::AddPayloadResult addPayload(PFMSection& section, const Profile::Pointer& profile,
                                             const std::optional<QString>& filePath = std::nullopt);
     void removePayloads(PFMSection& section, const Profile::Pointer& profile, const QList<int>& formIndexes);
+    // The keys of a payload that no manifest knows, as one step.
+    void removeUnfamiliarPreferenceKeys(const Payload::Pointer& payload);
     // Every payload of an unfamiliar section, and its row, as one step.
     void removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
                                   const Profile::Pointer& profile);
@@ -61,6 +63,8 @@ public:
     static QString editIdentity(const PreferenceKey& key);
 
 Q_SIGNALS:
+    // A payload's unfamiliar keys went or came back; forms show a notice of them.
+    void unfamiliarPreferenceKeysChanged();
     void changeCountChanged(int changeCount);
 
 private:

@@ -120,4 +120,23 @@ void RemoveUnfamiliarPayloadsCommand::undo() {
         m_sections->insertOwnedObject(std::move(m_takenSection));
 }
 
+RemoveUnfamiliarKeysCommand::RemoveUnfamiliarKeysCommand(const Payload::Pointer& payload,
+                                                         std::function<void()> changed)
+    : QUndoCommand(QStringLiteral("Remove Unfamiliar Properties"))
+    , m_payload(payload)
+    , m_keys(payload->unfamiliarPreferenceKeys())
+    , m_changed(std::move(changed)) {}
+
+void RemoveUnfamiliarKeysCommand::redo() {
+    if (const auto payload = m_payload.lock())
+        payload->clearUnfamiliarPreferenceKeys();
+    m_changed();
+}
+
+void RemoveUnfamiliarKeysCommand::undo() {
+    if (const auto payload = m_payload.lock())
+        payload->setUnfamiliarPreferenceKeys(m_keys);
+    m_changed();
+}
+
 } // namespace quorlin

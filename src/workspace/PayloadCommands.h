@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QUndoCommand>
 
+#include <functional>
+
 namespace quorlin {
 
 // Where a payload stood when it was taken out: its form's row in the
@@ -77,6 +79,21 @@ private:
     Profile::Pointer m_profile;
     std::unique_ptr<PFMSection> m_takenSection;
     QList<Profile::PlacedUnfamiliarPayload> m_removed;
+};
+
+// Drops the keys of a payload that no manifest knows. They are no preference
+// keys, so no key snapshot holds them: the command keeps them for undo.
+class RemoveUnfamiliarKeysCommand : public QUndoCommand {
+public:
+    RemoveUnfamiliarKeysCommand(const Payload::Pointer& payload, std::function<void()> changed);
+
+    void redo() override;
+    void undo() override;
+
+private:
+    std::weak_ptr<Payload> m_payload;
+    std::optional<plist::Dictionary> m_keys;
+    std::function<void()> m_changed;
 };
 
 } // namespace quorlin

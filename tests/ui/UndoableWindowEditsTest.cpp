@@ -1,5 +1,8 @@
 #include "EditorTestSupport.h"
 
+#include "ui/ContentView.h"
+#include "ui/PayloadFormView.h"
+#include "ui/SectionFormView.h"
 #include "workspace/EditHistory.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
@@ -7,6 +10,8 @@
 
 #include <QAction>
 #include <QFileDialog>
+#include <QLabel>
+#include <QPushButton>
 #include <QUndoStack>
 
 #include <gtest/gtest.h>
@@ -61,6 +66,33 @@ TEST_F(UndoableWindowEditsTest, RemovingAnUnfamiliarSectionIsOneEditThatUndoTake
     EXPECT_FALSE(window->isWindowModified());
     window->redoAction()->trigger();
     EXPECT_FALSE(bytesOf(*window).contains("com.example.lab.settings"));
+    window->closeApproved();
+}
+
+TEST_F(UndoableWindowEditsTest, DroppingAPayloadsUnfamiliarKeysIsOneEditThatUndoTakesBack) {
+    DocumentWindow* window = openShown(QStringLiteral("dock-with-unknown-key.mobileconfig"));
+    ASSERT_TRUE(window);
+    PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
+    ASSERT_TRUE(dock);
+    window->selectSection(dock);
+    PayloadFormView* form = window->contentView()->sectionFormView()->payloadViews().first();
+    const QByteArray opened = bytesOf(*window);
+    ASSERT_TRUE(opened.contains("MysteryKey"));
+    ASSERT_TRUE(form->unfamiliarNotice()->isVisibleTo(form));
+
+    auto* remove = form->unfamiliarNotice()->parentWidget()->findChild<QPushButton*>();
+    ASSERT_TRUE(remove);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    EXPECT_FALSE(bytesOf(*window).contains("MysteryKey"));
+    EXPECT_FALSE(form->unfamiliarNotice()->isVisibleTo(form));
+    EXPECT_TRUE(window->isWindowModified());
+
+    window->undoAction()->trigger();
+    EXPECT_EQ(bytesOf(*window), opened);
+    EXPECT_TRUE(form->unfamiliarNotice()->isVisibleTo(form));
+    EXPECT_FALSE(window->isWindowModified());
+    window->redoAction()->trigger();
+    EXPECT_FALSE(bytesOf(*window).contains("MysteryKey"));
     window->closeApproved();
 }
 
