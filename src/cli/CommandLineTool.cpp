@@ -8,6 +8,7 @@
 #include "cli/FormatCommand.h"
 #include "cli/IdentityImportCommand.h"
 #include "cli/IdentityListCommand.h"
+#include "cli/ManifestsLintCommand.h"
 #include "cli/ManifestsStandardizeCommand.h"
 #include "cli/ManifestsStatusCommand.h"
 #include "cli/ManifestsUpdateCommand.h"
@@ -67,6 +68,7 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<ExportPayloadCommand>());
     add(std::make_unique<IdentityImportCommand>());
     add(std::make_unique<IdentityListCommand>());
+    add(std::make_unique<ManifestsLintCommand>());
 }
 
 QString CommandLineTool::programName() {
