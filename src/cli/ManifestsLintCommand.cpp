@@ -39,7 +39,8 @@ void lintFile(const QString& path, Outcome& outcome, CommandStreams& streams, bo
     const plist::Dictionary* manifest = result ? result->root.dictionary() : nullptr;
     if (!manifest) {
         const QString message = result ? path + QStringLiteral(": not a dictionary") : result.error().message;
-        outcome.unreadable.append(QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("reason"), message}});
+        outcome.unreadable.append(
+            QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("reason"), message}});
         if (!json)
             streams.printError(message);
         return;
@@ -50,7 +51,8 @@ void lintFile(const QString& path, Outcome& outcome, CommandStreams& streams, bo
                                             {QStringLiteral("reason"), finding.reason}});
         if (!json)
             streams.print(QStringLiteral("%1: %2: %3")
-                              .arg(path, finding.keyPath.isEmpty() ? QStringLiteral("(manifest)") : finding.keyPath,
+                              .arg(path,
+                                   finding.keyPath.isEmpty() ? QStringLiteral("(manifest)") : finding.keyPath,
                                    finding.reason));
     }
 }
@@ -62,24 +64,23 @@ QString ManifestsLintCommand::summary() const {
 }
 
 QString ManifestsLintCommand::help() const {
-    return QStringLiteral(
-        "Usage: quorlin-profile manifests lint PATH... [--json]\n"
-        "\n"
-        "Reads manifests in any form (raw, third-party or standard; a folder stands for\n"
-        "every .plist below it) and prints \"FILE: KEY.PATH: REASON\" for each finding:\n"
-        "a default or allowed value of another type than its key's, a default outside\n"
-        "the range or the allowed list, a range minimum above its maximum, a\n"
-        "\"pfm_format\" that doesn't compile or that the default doesn't match, a rule on\n"
-        "a key that doesn't exist or with values that can never match it, a key name\n"
-        "repeated at one level, subkeys on a key that can't hold them, an array without\n"
-        "an item prototype, an unknown \"pfm_\" key (with the known one it most likely\n"
-        "means), and platforms or versions that contradict the parent key's.\n"
-        "\n"
-        "  --json  print a JSON object instead: \"findings\" (file, keyPath, reason)\n"
-        "          and \"unreadable\" (file, reason)\n"
-        "\n"
-        "Exit status: 0 when no manifest has findings, 1 when one has, 2 for a usage\n"
-        "error or a file that isn't a readable manifest (the others are still linted).");
+    return QStringLiteral("Usage: quorlin-profile manifests lint PATH... [--json]\n"
+                          "\n"
+                          "Reads manifests in any form (raw, third-party or standard; a folder stands for\n"
+                          "every .plist below it) and prints \"FILE: KEY.PATH: REASON\" for each finding:\n"
+                          "a default or allowed value of another type than its key's, a default outside\n"
+                          "the range or the allowed list, a range minimum above its maximum, a\n"
+                          "\"pfm_format\" that doesn't compile or that the default doesn't match, a rule on\n"
+                          "a key that doesn't exist or with values that can never match it, a key name\n"
+                          "repeated at one level, subkeys on a key that can't hold them, an array without\n"
+                          "an item prototype, an unknown \"pfm_\" key (with the known one it most likely\n"
+                          "means), and platforms or versions that contradict the parent key's.\n"
+                          "\n"
+                          "  --json  print a JSON object instead: \"findings\" (file, keyPath, reason)\n"
+                          "          and \"unreadable\" (file, reason)\n"
+                          "\n"
+                          "Exit status: 0 when no manifest has findings, 1 when one has, 2 for a usage\n"
+                          "error or a file that isn't a readable manifest (the others are still linted).");
 }
 
 int ManifestsLintCommand::run(const QStringList& arguments, CommandStreams& streams) const {

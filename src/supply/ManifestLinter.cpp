@@ -14,7 +14,8 @@ namespace {
 
 const QStringList kinds{"boolean", "integer", "real", "string", "data", "date", "array", "dictionary"};
 const QStringList platformWords{"ios", "macos", "tvos", "watchos"};
-const QStringList ruleListKeys{"pfm_range_list", "pfm_n_range_list", "pfm_contains_any", "pfm_n_contains_any"};
+const QStringList ruleListKeys{"pfm_range_list", "pfm_n_range_list", "pfm_contains_any",
+                               "pfm_n_contains_any"};
 
 QString joined(const QString& path, const QString& segment) {
     if (segment.startsWith(u'['))
@@ -32,11 +33,13 @@ bool isNumber(const plist::Value& value) {
 
 // Whether a value has the plist class a key of this kind writes.
 bool hasKind(const plist::Value& value, const QString& kind) {
-    static const QMap<QString, plist::Value::Type> types{
-        {"boolean", plist::Value::Type::Boolean}, {"integer", plist::Value::Type::Integer},
-        {"string", plist::Value::Type::String},   {"data", plist::Value::Type::Data},
-        {"date", plist::Value::Type::Date},       {"array", plist::Value::Type::Array},
-        {"dictionary", plist::Value::Type::Dictionary}};
+    static const QMap<QString, plist::Value::Type> types{{"boolean", plist::Value::Type::Boolean},
+                                                         {"integer", plist::Value::Type::Integer},
+                                                         {"string", plist::Value::Type::String},
+                                                         {"data", plist::Value::Type::Data},
+                                                         {"date", plist::Value::Type::Date},
+                                                         {"array", plist::Value::Type::Array},
+                                                         {"dictionary", plist::Value::Type::Dictionary}};
     if (kind == QStringLiteral("real"))
         return isNumber(value);
     return types.contains(kind) && value.type() == types.value(kind);
@@ -49,7 +52,8 @@ bool sameValue(const plist::Value& a, const plist::Value& b) {
 }
 
 bool listHolds(const plist::Array& list, const plist::Value& value) {
-    return std::any_of(list.begin(), list.end(), [&](const plist::Value& item) { return sameValue(item, value); });
+    return std::any_of(list.begin(), list.end(),
+                       [&](const plist::Value& item) { return sameValue(item, value); });
 }
 
 // Platforms and introduction versions, as one level of keys declares them in
@@ -99,7 +103,8 @@ Availability readAvailability(const plist::Dictionary& dictionary) {
     readPlatformList(dictionary, QStringLiteral("pfm_platforms"), availability);
     readPlatformList(dictionary, QStringLiteral("pfm_quorlin_platforms"), availability);
     for (const QString& word : platformWords) {
-        for (const QString& key : {QStringLiteral("pfm_%1_min"), QStringLiteral("pfm_quorlin_%1_introduction")}) {
+        for (const QString& key :
+             {QStringLiteral("pfm_%1_min"), QStringLiteral("pfm_quorlin_%1_introduction")}) {
             if (const auto version = dictionary.string(key.arg(word)))
                 availability.introduced.insert(word, *version);
         }
@@ -153,8 +158,9 @@ private:
             if (!ManifestVocabulary::isManifestWord(key) || ManifestVocabulary::isKnown(key))
                 continue;
             const auto closest = ManifestVocabulary::closestKnown(key);
-            report(path, closest ? QStringLiteral("unknown key \"%1\"; did you mean \"%2\"?").arg(key, *closest)
-                                 : QStringLiteral("unknown key \"%1\"").arg(key));
+            report(path, closest
+                             ? QStringLiteral("unknown key \"%1\"; did you mean \"%2\"?").arg(key, *closest)
+                             : QStringLiteral("unknown key \"%1\"").arg(key));
         }
     }
 
@@ -257,7 +263,9 @@ private:
         const plist::Array* list = key.array(QStringLiteral("pfm_range_list"));
         const QString listKind = valueKind(key, kind);
         if (!defaultValue.isNull() && !hasKind(defaultValue, kind))
-            report(path, QStringLiteral("has a default of another type than %1: %2").arg(kind, shown(defaultValue)));
+            report(
+                path,
+                QStringLiteral("has a default of another type than %1: %2").arg(kind, shown(defaultValue)));
         if (list && !listKind.isEmpty()) {
             for (const plist::Value& allowed : *list) {
                 if (!hasKind(allowed, listKind))
@@ -265,13 +273,16 @@ private:
                                      .arg(listKind, shown(allowed)));
             }
         }
-        if (!list || defaultValue.isNull() || key.boolean(QStringLiteral("pfm_range_list_allow_custom_value")) == true)
+        if (!list || defaultValue.isNull() ||
+            key.boolean(QStringLiteral("pfm_range_list_allow_custom_value")) == true)
             return;
-        const plist::Array defaults =
-            kind == QStringLiteral("array") && defaultValue.array() ? *defaultValue.array() : plist::Array{defaultValue};
+        const plist::Array defaults = kind == QStringLiteral("array") && defaultValue.array()
+                                          ? *defaultValue.array()
+                                          : plist::Array{defaultValue};
         for (const plist::Value& value : defaults) {
             if (!listHolds(*list, value))
-                report(path, QStringLiteral("has a default that its allowed list lacks: %1").arg(shown(value)));
+                report(path,
+                       QStringLiteral("has a default that its allowed list lacks: %1").arg(shown(value)));
         }
     }
 
@@ -281,7 +292,8 @@ private:
         for (int i = 0; i < 2; ++i) {
             const plist::Value& limit = key.value(names[i]);
             if (!limit.isNull() && !isNumber(limit))
-                report(path, QStringLiteral("has a \"%1\" that isn't a number: %2").arg(names[i], shown(limit)));
+                report(path,
+                       QStringLiteral("has a \"%1\" that isn't a number: %2").arg(names[i], shown(limit)));
             if (isNumber(limit))
                 limits[i] = limit.numberAsReal();
         }
@@ -307,9 +319,12 @@ private:
                              .arg(expression.patternErrorOffset()));
             return;
         }
+        // An empty default stands for no value, which the pattern doesn't judge.
         const auto defaultValue = key.string(QStringLiteral("pfm_default"));
-        if (defaultValue && !matchesOnce(expression, *defaultValue))
-            report(path, QStringLiteral("has a default that doesn't match its \"pfm_format\": %1").arg(*defaultValue));
+        if (defaultValue && !defaultValue->isEmpty() && !matchesOnce(expression, *defaultValue))
+            report(
+                path,
+                QStringLiteral("has a default that doesn't match its \"pfm_format\": %1").arg(*defaultValue));
     }
 
     // The editor accepts a string that the pattern matches exactly once.
@@ -331,7 +346,8 @@ private:
                 const plist::Array* conditions =
                     fields ? fields->array(QStringLiteral("pfm_target_conditions")) : nullptr;
                 if (!conditions) {
-                    report(path, QStringLiteral("has a rule in \"%1\" without \"pfm_target_conditions\"").arg(listKey));
+                    report(path, QStringLiteral("has a rule in \"%1\" without \"pfm_target_conditions\"")
+                                     .arg(listKey));
                     continue;
                 }
                 checkWords(*fields, path);
@@ -349,15 +365,18 @@ private:
         }
         checkWords(*condition, path);
         if (!m_kinds.contains(*target)) {
-            report(path, QStringLiteral("has a rule on \"%1\", which isn't a key of this manifest").arg(*target));
+            report(path,
+                   QStringLiteral("has a rule on \"%1\", which isn't a key of this manifest").arg(*target));
             return;
         }
         const QString kind = m_kinds.value(*target);
         for (const QString& listKey : ruleListKeys) {
             const plist::Array* values = condition->array(listKey);
-            const QString problem = values ? neverMatches(*values, listKey, kind, m_items.value(*target)) : QString();
+            const QString problem =
+                values ? neverMatches(*values, listKey, kind, m_items.value(*target)) : QString();
             if (!problem.isEmpty())
-                report(path, QStringLiteral("has a rule on \"%1\" whose \"%2\" %3").arg(*target, listKey, problem));
+                report(path,
+                       QStringLiteral("has a rule on \"%1\" whose \"%2\" %3").arg(*target, listKey, problem));
         }
     }
 
@@ -375,9 +394,10 @@ private:
             return QString();
         for (const plist::Value& value : values) {
             const bool fits = kind == QStringLiteral("boolean") ? isNumber(value) || value.isBoolean()
-                                                                 : hasKind(value, wanted);
+                                                                : hasKind(value, wanted);
             if (!fits)
-                return QStringLiteral("holds %1, which never equals a value of type %2").arg(shown(value), wanted);
+                return QStringLiteral("holds %1, which never equals a value of type %2")
+                    .arg(shown(value), wanted);
         }
         return QString();
     }

@@ -26,9 +26,9 @@ const QSet<QString>& knownWords() {
             "pfm_repetition_max", "pfm_repetition_min", "pfm_require", "pfm_required", "pfm_segments",
             "pfm_sensitive", "pfm_subdomain", "pfm_subkeys", "pfm_substitution_source",
             "pfm_substitution_variables", "pfm_supervised", "pfm_targets", "pfm_tile", "pfm_title",
-            "pfm_tvos_deprecated", "pfm_tvos_max", "pfm_tvos_min", "pfm_type", "pfm_type_input",
-            "pfm_unique", "pfm_user_approved", "pfm_value_copy", "pfm_value_decimal_places",
-            "pfm_value_empty", "pfm_value_import_processor", "pfm_value_inverted", "pfm_value_placeholder",
+            "pfm_tvos_deprecated", "pfm_tvos_max", "pfm_tvos_min", "pfm_type", "pfm_type_input", "pfm_unique",
+            "pfm_user_approved", "pfm_value_copy", "pfm_value_decimal_places", "pfm_value_empty",
+            "pfm_value_import_processor", "pfm_value_inverted", "pfm_value_placeholder",
             "pfm_value_processor", "pfm_value_unique", "pfm_value_unit", "pfm_version", "pfm_view",
             "pfm_watchos_min", "pfm_watchos_deprecated", "pfm_watchos_max",
             // Conditional rules.
@@ -37,18 +37,20 @@ const QSet<QString>& knownWords() {
             // The program's own words, domain and key level.
             "pfm_quorlin_allowed_data_signatures", "pfm_quorlin_allowed_file_extensions",
             "pfm_quorlin_category", "pfm_quorlin_control_type", "pfm_quorlin_default_generate",
-            "pfm_quorlin_documentation_url", "pfm_quorlin_exclusion_disables", "pfm_quorlin_file_based_payload",
-            "pfm_quorlin_ghost_key", "pfm_quorlin_groups", "pfm_quorlin_groups_order", "pfm_quorlin_icon",
-            "pfm_quorlin_icon_is_template", "pfm_quorlin_indentation_level", "pfm_quorlin_ios_deprecation",
-            "pfm_quorlin_ios_introduction", "pfm_quorlin_ios_removal", "pfm_quorlin_last_modification",
-            "pfm_quorlin_macos_deprecation", "pfm_quorlin_macos_introduction", "pfm_quorlin_macos_removal",
-            "pfm_quorlin_note", "pfm_quorlin_payload_file_data_subkey", "pfm_quorlin_payload_file_name_subkey",
+            "pfm_quorlin_documentation_url", "pfm_quorlin_exclusion_disables",
+            "pfm_quorlin_file_based_payload", "pfm_quorlin_ghost_key", "pfm_quorlin_groups",
+            "pfm_quorlin_groups_order", "pfm_quorlin_icon", "pfm_quorlin_icon_is_template",
+            "pfm_quorlin_indentation_level", "pfm_quorlin_ios_deprecation", "pfm_quorlin_ios_introduction",
+            "pfm_quorlin_ios_removal", "pfm_quorlin_last_modification", "pfm_quorlin_macos_deprecation",
+            "pfm_quorlin_macos_introduction", "pfm_quorlin_macos_removal", "pfm_quorlin_note",
+            "pfm_quorlin_payload_file_data_subkey", "pfm_quorlin_payload_file_name_subkey",
             "pfm_quorlin_platforms", "pfm_quorlin_pretty_range_list", "pfm_quorlin_single_payload",
             "pfm_quorlin_sort_priority", "pfm_quorlin_sorting_index", "pfm_quorlin_suggestions",
-            "pfm_quorlin_supervision_required", "pfm_quorlin_tvos_deprecation", "pfm_quorlin_tvos_introduction",
-            "pfm_quorlin_tvos_removal", "pfm_quorlin_type_adapter", "pfm_quorlin_user_editable",
-            "pfm_quorlin_user_visible", "pfm_quorlin_value_placeholder", "pfm_quorlin_watchos_deprecation",
-            "pfm_quorlin_watchos_introduction", "pfm_quorlin_watchos_removal",
+            "pfm_quorlin_supervision_required", "pfm_quorlin_tvos_deprecation",
+            "pfm_quorlin_tvos_introduction", "pfm_quorlin_tvos_removal", "pfm_quorlin_type_adapter",
+            "pfm_quorlin_user_editable", "pfm_quorlin_user_visible", "pfm_quorlin_value_placeholder",
+            "pfm_quorlin_watchos_deprecation", "pfm_quorlin_watchos_introduction",
+            "pfm_quorlin_watchos_removal",
             // Availability records.
             "pfmx_supported_oses", "pfmx_introduced", "pfmx_deprecated", "pfmx_removed",
             "pfmx_device_channel", "pfmx_user_channel", "pfmx_supervised", "pfmx_requires_dep",
@@ -69,7 +71,8 @@ qsizetype editDistance(const QString& a, const QString& b) {
         d[0][j] = j;
     for (qsizetype i = 1; i <= a.size(); ++i) {
         for (qsizetype j = 1; j <= b.size(); ++j) {
-            d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            d[i][j] = std::min(
+                {d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
                 d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
         }

@@ -7,8 +7,8 @@
 namespace quorlin {
 namespace {
 
-using test::ToolProcess;
 using test::testDataPath;
+using test::ToolProcess;
 
 const QString faults = testDataPath(QStringLiteral("supply/lint/faults.plist"));
 const QString clean = testDataPath(QStringLiteral("supply/lint/clean.plist"));
@@ -26,16 +26,20 @@ TEST(ManifestsLintCommand, ExitStatusTellsCleanFromFindingsFromUnreadable) {
     };
     for (const auto& [arguments, exitCode] : cases) {
         const auto run = tool.run(QStringList{"manifests", "lint"} + arguments);
-        EXPECT_EQ(run.exitCode, exitCode) << arguments.join(u' ').toStdString() << '\n' << run.error.toStdString();
+        EXPECT_EQ(run.exitCode, exitCode) << arguments.join(u' ').toStdString() << '\n'
+                                          << run.error.toStdString();
     }
 }
 
 TEST(ManifestsLintCommand, NamesFileKeyPathAndReasonInTextAndJson) {
     const ToolProcess tool;
     const auto text = tool.run({"manifests", "lint", faults});
-    EXPECT_TRUE(test::lines(text.output).contains(faults + ": Settings.Phone: names the platform ios, which its parent doesn't"))
+    EXPECT_TRUE(test::lines(text.output)
+                    .contains(faults + ": Settings.Phone: names the platform ios, which its parent doesn't"))
         << text.output.toStdString();
-    EXPECT_TRUE(test::lines(text.output).contains(faults + ": (manifest): unknown key \"pfm_titel\"; did you mean \"pfm_title\"?"));
+    EXPECT_TRUE(
+        test::lines(text.output)
+            .contains(faults + ": (manifest): unknown key \"pfm_titel\"; did you mean \"pfm_title\"?"));
 
     const auto json = tool.run({"manifests", "lint", "--json", faults, "missing.plist"});
     EXPECT_EQ(json.exitCode, 2);

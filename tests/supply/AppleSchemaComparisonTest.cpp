@@ -28,21 +28,39 @@ const QString bundledFolder = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-
 const QList<std::pair<QString, QString>> exceptions{
     {"(general) PayloadContent: missing", "the editor writes the payload list from the payloads themselves"},
     {"(general) *Encrypted*: missing", "the editor writes no encrypted profiles"},
-    {"com.apple.MCX *.Wake on LAN: missing", "Apple's schema misspells the key that macOS reads as \"Wake On LAN\""},
-    {"com.apple.SystemConfiguration Proxies.SOCKSPortinteger: missing", "a typo in Apple's schema for SOCKSPort"},
+    {"com.apple.MCX *.Wake on LAN: missing",
+     "Apple's schema misspells the key that macOS reads as \"Wake On LAN\""},
+    {"com.apple.SystemConfiguration Proxies.SOCKSPortinteger: missing",
+     "a typo in Apple's schema for SOCKSPort"},
     {"com.apple.wifi.managed TLSCertificateRequired: missing",
      "Apple's schema puts it at the top; devices read TLSCertificateIsRequired in EAPClientConfiguration"},
     {"* *.subApps[].subApps: missing", "Apple's schema nests without end; ours stops one level down"},
-    {"com.apple.homescreenlayout *Pages[][].Pages: missing", "folders hold no folders; Apple's schema nests without end"},
-    {"com.apple.*ethernet.managed ANY: missing", "Apple's stand-in for the 802.1X keys, which ours names one by one"},
+    {"com.apple.homescreenlayout *Pages[][].Pages: missing",
+     "folders hold no folders; Apple's schema nests without end"},
+    {"com.apple.*ethernet.managed ANY: missing",
+     "Apple's stand-in for the 802.1X keys, which ours names one by one"},
     {"* *.ANY: missing", "Apple leaves these dictionaries open; ours names the keys that are read"},
-    {"com.apple.system.logging *: availability", "Apple's schema marks its keys unavailable on macOS, the payload's only OS"},
-    {"com.apple.security.wapi-identity (payload): availability", "Apple's schema names no OS; WAPI networks are an iOS matter"},
+    {"(general) ConsentText.ConsentTextItem: type",
+     "Apple's schema adds a level; profiles hold the texts by language directly"},
+    {"com.apple.MCX *Sleep Timer: *", "Apple's 0 (never) beside 1 to 180 is our range 0 to 180"},
+    {"com.apple.MCX *.RepeatingPower*.eventtype: allowed values",
+     "power-on and power-off events each take their own"},
+    {"com.apple.dock *-apps[].tile-*: allowed values", "the apps sections hold apps only"},
+    {"com.apple.TCC.configuration-profile-policy *.Authorization: allowed values",
+     "each service takes only the values macOS accepts for it"},
+    {"com.apple.systempreferences *Pane*[]: allowed values", "panes of other makers may be named too"},
+    {"com.apple.systempreferences DisabledSystemSettings[]: allowed values",
+     "settings of other makers may be named too"},
+    {"com.apple.system.logging *: availability",
+     "Apple's schema marks its keys unavailable on macOS, the payload's only OS"},
+    {"com.apple.security.wapi-identity (payload): availability",
+     "Apple's schema names no OS; WAPI networks are an iOS matter"},
 };
 
 bool isException(const QString& difference) {
     return std::any_of(exceptions.begin(), exceptions.end(), [&](const auto& exception) {
-        const QString pattern = QRegularExpression::escape(exception.first).replace(QStringLiteral("\\*"), QStringLiteral(".*"));
+        const QString pattern =
+            QRegularExpression::escape(exception.first).replace(QStringLiteral("\\*"), QStringLiteral(".*"));
         return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(difference).hasMatch();
     });
 }
@@ -60,7 +78,8 @@ struct Tally {
 };
 
 QString kindName(PFMKeyPrototype::Kind kind) {
-    static const QStringList names{"boolean", "integer", "real", "string", "data", "date", "array", "dictionary"};
+    static const QStringList names{"boolean", "integer", "real",  "string",
+                                   "data",    "date",    "array", "dictionary"};
     return names.value(int(kind));
 }
 
@@ -70,7 +89,8 @@ SupportedPlatforms appleAvailability(const plist::Dictionary* record, const Supp
                                      bool isPayload) {
     std::set<SupportedPlatform> platforms;
     for (Model model : PFMSupportedPlatforms::allModels) {
-        const plist::Dictionary* os = record ? record->dictionary(PFMSupportedPlatforms::displayName(model)) : nullptr;
+        const plist::Dictionary* os =
+            record ? record->dictionary(PFMSupportedPlatforms::displayName(model)) : nullptr;
         const auto parentVersions = parent.versions(model);
         if (!isPayload && !parent.contains(model))
             continue;
@@ -84,7 +104,8 @@ SupportedPlatforms appleAvailability(const plist::Dictionary* record, const Supp
             continue;
         auto versions = parentVersions.value_or(PFMSupportedPlatforms::StageVersions{});
         // A key can't come before the payload or key that holds it.
-        const QString inherited = versions.count(Stage::introduction) ? versions[Stage::introduction] : QString();
+        const QString inherited =
+            versions.count(Stage::introduction) ? versions[Stage::introduction] : QString();
         if (introduced && Utilities::compareVersions(*introduced, inherited) > 0)
             versions[Stage::introduction] = *introduced;
         platforms.insert({model, versions.empty() ? std::nullopt : std::optional(versions)});
@@ -119,7 +140,8 @@ QString availabilityDifference(const SupportedPlatforms& apple, const SupportedP
             whole << PFMSupportedPlatforms::displayName(model) + u' ' +
                          apple.versionOfStage(Stage::introduction, model).value_or(QStringLiteral("any"));
     }
-    return differences.join(QStringLiteral(", ")) + QStringLiteral("; Apple: ") + whole.join(QStringLiteral(", "));
+    return differences.join(QStringLiteral(", ")) + QStringLiteral("; Apple: ") +
+           whole.join(QStringLiteral(", "));
 }
 
 // A type described by several files exists wherever one of them says, from
@@ -174,7 +196,8 @@ public:
     }
 
     void differ(const QString& path, const QString& what, const QString& detail) {
-        const QString id = QStringLiteral("%1 %2: %3").arg(m_type.isEmpty() ? "(general)" : m_type, path, what);
+        const QString id =
+            QStringLiteral("%1 %2: %3").arg(m_type.isEmpty() ? "(general)" : m_type, path, what);
         if (!isException(id))
             m_tally.differences << (detail.isEmpty() ? id : id + QStringLiteral(" (") + detail + u')');
     }
@@ -182,9 +205,11 @@ public:
 private:
     // Ours by name, or the value prototype of a dictionary of free keys
     // where Apple names a stand-in.
-    static const PFMKeyPrototype* counterpart(const QString& name, bool alone, const PFMKeyPrototypeList& ours) {
+    static const PFMKeyPrototype* counterpart(const QString& name, bool alone,
+                                              const PFMKeyPrototypeList& ours) {
         const auto named = [&](const QString& wanted) {
-            const auto it = std::find_if(ours.begin(), ours.end(), [&](const auto& p) { return p->name() == wanted; });
+            const auto it =
+                std::find_if(ours.begin(), ours.end(), [&](const auto& p) { return p->name() == wanted; });
             return it == ours.end() ? nullptr : it->get();
         };
         if (const PFMKeyPrototype* found = named(name))
@@ -195,9 +220,11 @@ private:
     void key(const AppleKey& entry, const PFMKeyPrototype& ours, const QString& path,
              const SupportedPlatforms& ourParent, int depth) {
         const plist::Dictionary& apple = entry.key;
-        const QString type = apple.string(QStringLiteral("type")).value_or(QString()).remove(u'<').remove(u'>');
+        const QString type =
+            apple.string(QStringLiteral("type")).value_or(QString()).remove(u'<').remove(u'>');
         if (type != QStringLiteral("any") && type != kindName(ours.kind()))
-            differ(path, QStringLiteral("type"), QStringLiteral("Apple %1, ours %2").arg(type, kindName(ours.kind())));
+            differ(path, QStringLiteral("type"),
+                   QStringLiteral("Apple %1, ours %2").arg(type, kindName(ours.kind())));
         values(apple, ours, path);
         const SupportedPlatforms appleHere =
             appleAvailability(apple.dictionary(QStringLiteral("supportedOS")), entry.parent, false);
@@ -212,16 +239,21 @@ private:
         if (list && (!ours.rangeList() || !sameValues(*list, *ours.rangeList())))
             differ(path, QStringLiteral("allowed values"),
                    plist::Value(*list).debugDescription() + QStringLiteral(" vs ") +
-                       (ours.rangeList() ? plist::Value(*ours.rangeList()).debugDescription() : QStringLiteral("none")));
+                       (ours.rangeList() ? plist::Value(*ours.rangeList()).debugDescription()
+                                         : QStringLiteral("none")));
         const plist::Dictionary* range = apple.dictionary(QStringLiteral("range"));
         const auto limit = [&](const char* word) {
             return range ? range->value(QString::fromLatin1(word)).numberAsInteger() : std::nullopt;
         };
         // Limits of our own where Apple gives none narrow nothing Apple allows.
-        if ((limit("min") && limit("min") != ours.rangeMin()) || (limit("max") && limit("max") != ours.rangeMax()))
-            differ(path, QStringLiteral("range"), QStringLiteral("Apple %1..%2, ours %3..%4")
-                                                      .arg(limit("min").value_or(-1)).arg(limit("max").value_or(-1))
-                                                      .arg(ours.rangeMin().value_or(-1)).arg(ours.rangeMax().value_or(-1)));
+        if ((limit("min") && limit("min") != ours.rangeMin()) ||
+            (limit("max") && limit("max") != ours.rangeMax()))
+            differ(path, QStringLiteral("range"),
+                   QStringLiteral("Apple %1..%2, ours %3..%4")
+                       .arg(limit("min").value_or(-1))
+                       .arg(limit("max").value_or(-1))
+                       .arg(ours.rangeMin().value_or(-1))
+                       .arg(ours.rangeMax().value_or(-1)));
     }
 
     void children(const plist::Dictionary& apple, const PFMKeyPrototype& ours, const QString& path,
@@ -256,21 +288,25 @@ QMap<QString, QList<AppleKey>> applePayloads(QMap<QString, SupportedPlatforms>& 
     QMap<QString, QList<AppleKey>> payloads;
     // A type's main file first, so that its keys win over those of its variants.
     QStringList names = QDir(appleFolder).entryList({"*.yaml"}, QDir::Files);
-    std::stable_partition(names.begin(), names.end(), [](const QString& name) { return !name.contains(u'('); });
+    std::stable_partition(names.begin(), names.end(),
+                          [](const QString& name) { return !name.contains(u'('); });
     for (const QString& name : names) {
         const plist::Value root = test::readYamlSubset(test::readFile(QDir(appleFolder).filePath(name)));
-        const plist::Dictionary* payload = root.dictionary() ? root.dictionary()->dictionary("payload") : nullptr;
+        const plist::Dictionary* payload =
+            root.dictionary() ? root.dictionary()->dictionary("payload") : nullptr;
         const auto type = payload ? payload->string(QStringLiteral("payloadtype")) : std::nullopt;
         if (!type || *type == QStringLiteral("CommonPayloadKeys"))
             continue;
         const QString domain = *type == QStringLiteral("TopLevel") ? QString() : *type;
         const SupportedPlatforms os = appleAvailability(payload->dictionary("supportedOS"), {}, true);
-        availability.insert(domain, availability.contains(domain) ? earliest(availability.value(domain), os) : os);
+        availability.insert(domain,
+                            availability.contains(domain) ? earliest(availability.value(domain), os) : os);
         const plist::Array* keys = root.dictionary()->array(QStringLiteral("payloadkeys"));
         for (const plist::Value& key : keys ? *keys : plist::Array{}) {
             const QString keyName = key.dictionary() ? key.dictionary()->string("key").value_or("") : "";
             const auto& known = payloads[domain];
-            if (std::none_of(known.begin(), known.end(), [&](const AppleKey& k) { return k.key.string("key") == keyName; }))
+            if (std::none_of(known.begin(), known.end(),
+                             [&](const AppleKey& k) { return k.key.string("key") == keyName; }))
                 payloads[domain].append({key.dictionary() ? *key.dictionary() : plist::Dictionary(), os});
         }
     }
@@ -307,15 +343,17 @@ TEST(AppleSchema, BundledManifestsAgreeWithAppleOnKeysTypesValuesAndAvailability
             continue;
         }
         const SupportedPlatforms ourOS = domain->supportedPlatforms().value_or(SupportedPlatforms());
-        if (const QString difference = availabilityDifference(appleOS.value(type), ourOS); !difference.isEmpty())
+        if (const QString difference = availabilityDifference(appleOS.value(type), ourOS);
+            !difference.isEmpty())
             comparison.differ(QStringLiteral("(payload)"), QStringLiteral("availability"), difference);
         comparison.keys(keys, domain->keyPrototypes(), QString(), ourOS, 0);
     }
     for (const QString& difference : tally.differences)
         std::cout << "  " << difference.toStdString() << '\n';
     std::cout << "  top-level keys: " << tally.topLevelFound << " of " << tally.topLevel << " ("
-              << percent(tally.topLevelFound, tally.topLevel).toStdString() << "); nested keys: " << tally.nestedFound
-              << " of " << tally.nested << " (" << percent(tally.nestedFound, tally.nested).toStdString() << ")\n";
+              << percent(tally.topLevelFound, tally.topLevel).toStdString()
+              << "); nested keys: " << tally.nestedFound << " of " << tally.nested << " ("
+              << percent(tally.nestedFound, tally.nested).toStdString() << ")\n";
     EXPECT_TRUE(tally.differences.isEmpty()) << tally.differences.size() << " differences, listed above";
 }
 

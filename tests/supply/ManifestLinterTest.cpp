@@ -1,5 +1,5 @@
-#include "plist/PlistReader.h"
 #include "supply/ManifestLinter.h"
+#include "plist/PlistReader.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -39,7 +39,8 @@ TEST(ManifestLinter, FindsEachKindOfFaultAtItsKeyPath) {
         {"Code", "has a \"pfm_format\" that doesn't compile"},
         {"Pin", "has a default that doesn't match its \"pfm_format\": 12a4"},
         {"Dependent", "has a rule on \"Missing\", which isn't a key of this manifest"},
-        {"Dependent", "has a rule on \"Size\" whose \"pfm_range_list\" holds \"ten\", which never equals a value of type integer"},
+        {"Dependent", "has a rule on \"Size\" whose \"pfm_range_list\" holds \"ten\", which never equals a "
+                      "value of type integer"},
         {"Dependent", "has a rule on \"Flag\" whose \"pfm_contains_any\" can never match a boolean"},
         {"Flag", "repeats a key name of this level"},
         {"Scalar", "has subkeys, which a string can't hold"},

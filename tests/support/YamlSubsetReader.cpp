@@ -55,7 +55,8 @@ private:
 
     plist::Value sequence(int indent) {
         plist::Array items;
-        for (skipBlank(); !atEnd() && m_lines[m_pos].indent == indent && isItem(m_lines[m_pos].text); skipBlank()) {
+        for (skipBlank(); !atEnd() && m_lines[m_pos].indent == indent && isItem(m_lines[m_pos].text);
+             skipBlank()) {
             Line& line = m_lines[m_pos];
             const QString rest = line.text.mid(2).trimmed();
             if (rest.isEmpty()) {
@@ -74,7 +75,8 @@ private:
 
     plist::Value mapping(int indent) {
         plist::Dictionary entries;
-        for (skipBlank(); !atEnd() && m_lines[m_pos].indent == indent && !isItem(m_lines[m_pos].text); skipBlank()) {
+        for (skipBlank(); !atEnd() && m_lines[m_pos].indent == indent && !isItem(m_lines[m_pos].text);
+             skipBlank()) {
             const QString text = m_lines[m_pos++].text;
             const qsizetype colon = keyEnd(text);
             if (colon < 0)
@@ -88,7 +90,8 @@ private:
         if (rest.startsWith(u'&')) {
             const qsizetype space = rest.indexOf(u' ');
             const QString name = rest.mid(1, space < 0 ? -1 : space - 1);
-            const plist::Value anchored = value(space < 0 ? QString() : rest.mid(space + 1).trimmed(), indent);
+            const plist::Value anchored =
+                value(space < 0 ? QString() : rest.mid(space + 1).trimmed(), indent);
             m_anchors.insert(name, anchored);
             return anchored;
         }
@@ -96,7 +99,8 @@ private:
             return m_anchors.value(rest.mid(1));
         if (rest.isEmpty()) {
             skipBlank();
-            const bool sameLevelList = !atEnd() && m_lines[m_pos].indent == indent && isItem(m_lines[m_pos].text);
+            const bool sameLevelList =
+                !atEnd() && m_lines[m_pos].indent == indent && isItem(m_lines[m_pos].text);
             return deeperFollows(indent) || sameLevelList ? node() : plist::Value(QString());
         }
         if (rest.startsWith(u'|') || rest.startsWith(u'>'))
