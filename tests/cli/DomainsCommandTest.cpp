@@ -21,7 +21,7 @@ using quorlin::test::ToolRun;
 namespace {
 
 // The keys of a profile's own that the bundled general manifest describes.
-const int kGeneralKeyCount = 13;
+const int kGeneralKeyCount = 15;
 
 // The standard-form manifests that the build made from the bundled raw ones.
 qsizetype bundledManifestCount() {

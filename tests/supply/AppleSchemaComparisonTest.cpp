@@ -53,7 +53,7 @@ const QList<std::pair<QString, QString>> exceptions{
      "settings of other makers may be named too"},
     {"com.apple.system.logging *: availability",
      "Apple's schema marks its keys unavailable on macOS, the payload's only OS"},
-    {"com.apple.security.wapi-identity (payload): availability",
+    {"com.apple.security.wapi-identity *: availability",
      "Apple's schema names no OS; WAPI networks are an iOS matter"},
 };
 

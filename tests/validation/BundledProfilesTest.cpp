@@ -128,6 +128,14 @@ Value sampleValue(const PFMKeyPrototype& key) {
     }
     case Kind::dictionary: {
         Dictionary dictionary;
+        // A dictionary of free keys gets one entry, so that it holds a value.
+        if (key.representedDictionary() == PFMKeyPrototype::RepresentableDictionary::customDictionary) {
+            for (const auto& subkey : key.subkeys()) {
+                if (subkey->name() == QStringLiteral("{{value}}"))
+                    dictionary.insert(QStringLiteral("sample"), sampleValue(*subkey));
+            }
+            return dictionary;
+        }
         for (const auto& subkey : key.subkeys()) {
             if (subkey->required() && subkey->name())
                 dictionary.insert(*subkey->name(), sampleValue(*subkey));
