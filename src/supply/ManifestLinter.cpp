@@ -385,10 +385,10 @@ private:
                                 const QString& itemKind) {
         const bool contains = listKey.endsWith(QStringLiteral("contains_any"));
         if (kind == QStringLiteral("dictionary") || (!contains && kind == QStringLiteral("array")))
-            return QStringLiteral("can never match a %1").arg(kind);
+            return QStringLiteral("can never match a value of type %1").arg(kind);
         if (contains && kind != QStringLiteral("string") && kind != QStringLiteral("data") &&
             kind != QStringLiteral("array"))
-            return QStringLiteral("can never match a %1, which contains nothing").arg(kind);
+            return QStringLiteral("can never match a value of type %1, which contains nothing").arg(kind);
         const QString wanted = kind == QStringLiteral("array") ? itemKind : kind;
         if (wanted.isEmpty())
             return QString();
@@ -407,7 +407,7 @@ private:
         const plist::Array* subkeys = key.array(QStringLiteral("pfm_subkeys"));
         const bool container = kind == QStringLiteral("array") || kind == QStringLiteral("dictionary");
         if (subkeys && !subkeys->isEmpty() && !container)
-            report(path, QStringLiteral("has subkeys, which a %1 can't hold").arg(kind));
+            report(path, QStringLiteral("has subkeys, which a key of type %1 can't hold").arg(kind));
         if (kind == QStringLiteral("array") && (!subkeys || subkeys->isEmpty()))
             report(path, QStringLiteral("is an array without an item prototype in \"pfm_subkeys\""));
         if (subkeys && container)

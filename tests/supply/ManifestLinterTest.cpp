@@ -41,9 +41,10 @@ TEST(ManifestLinter, FindsEachKindOfFaultAtItsKeyPath) {
         {"Dependent", "has a rule on \"Missing\", which isn't a key of this manifest"},
         {"Dependent", "has a rule on \"Size\" whose \"pfm_range_list\" holds \"ten\", which never equals a "
                       "value of type integer"},
-        {"Dependent", "has a rule on \"Flag\" whose \"pfm_contains_any\" can never match a boolean"},
+        {"Dependent",
+         "has a rule on \"Flag\" whose \"pfm_contains_any\" can never match a value of type boolean"},
         {"Flag", "repeats a key name of this level"},
-        {"Scalar", "has subkeys, which a string can't hold"},
+        {"Scalar", "has subkeys, which a key of type string can't hold"},
         {"List", "is an array without an item prototype"},
         {"Limits", "unknown key \"pfm_rnage_max\"; did you mean \"pfm_range_max\"?"},
         {"Settings.Phone", "names the platform ios, which its parent doesn't"},
