@@ -333,6 +333,30 @@ QString percent(int part, int whole) {
     return QString::number(whole ? 100.0 * part / whole : 100.0, 'f', 1) + u'%';
 }
 
+TEST(AppleSchema, TheYamlReaderReadsWhatSchemaFilesUse) {
+    using plist::Array;
+    using plist::Dictionary;
+    const plist::Value root =
+        test::readYamlSubset(test::readFile(test::testDataPath("supply/yaml-subset.yaml")));
+    ASSERT_TRUE(root.dictionary());
+    const Dictionary inner{{"key", "Inner"}, {"type", "<integer>"}};
+    const Dictionary expected{
+        {"title", "Sample"},
+        {"payload", Dictionary{{"payloadtype", "com.example.sample"},
+                               {"supportedOS", Dictionary{{"macOS", Dictionary{{"introduced", "10.15"}}}}}}},
+        {"payloadkeys", Array{Dictionary{{"key", "Plain"},
+                                         {"type", "<string>"},
+                                         {"content", "A plain text that goes on over a second line."}},
+                              Dictionary{{"key", "Block"},
+                                         {"content", "First line.\n  Indented line.\n\nAfter a blank line."},
+                                         {"rangelist", Array{1, 2.5, true, "it's"}},
+                                         {"subkeys", Array{inner}}},
+                              Dictionary{{"key", "Alias"}, {"subkeys", Array{inner}}},
+                              Dictionary{{"key", "Empty"}, {"presence", ""}}}},
+        {"list", Array{"a", "b"}}};
+    EXPECT_EQ(*root.dictionary(), expected);
+}
+
 TEST(AppleSchema, BundledManifestsAgreeWithAppleOnKeysTypesValuesAndAvailability) {
     QMap<QString, SupportedPlatforms> appleOS;
     const auto apple = applePayloads(appleOS);
