@@ -189,6 +189,7 @@ private:
     std::function<QString()> m_chooseComparisonFile;
 
     void buildCompareActions();
+    void bringIntoView(const ProfileDifference& difference);
 };
 
 } // namespace quorlin

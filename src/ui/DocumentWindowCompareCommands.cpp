@@ -22,6 +22,7 @@
 #include <QMessageBox>
 #include <QScrollArea>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace quorlin {
 
@@ -114,19 +115,24 @@ void DocumentWindow::showDifference(const ProfileDifference& difference) {
         if (section->sectionKind() != PFMSection::Kinds::domain || !section->domains().contains(domain))
             continue;
         selectSection(section);
-        SectionFormView* form = m_content->sectionFormView();
-        PayloadFormView* payloadView = form ? payloadViewNamed(*form, difference.payloadName) : nullptr;
-        if (!payloadView)
-            return;
-        const QString keyName = difference.keyPath.section(u'.', 0, 0).section(u'[', 0, 0);
-        FieldRowView* row = keyName.isEmpty() ? nullptr : payloadView->rowForKey(keyName);
-        form->scrollArea()->ensureWidgetVisible(row ? static_cast<QWidget*>(row) : payloadView);
-        if (row && !row->instrumentWidgets().isEmpty())
-            row->instrumentWidgets().first()->setFocus(Qt::OtherFocusReason);
+        // The new form shows and lays out once the event loop turns.
+        QTimer::singleShot(0, this, [this, difference] { bringIntoView(difference); });
         return;
     }
     statusBar()->showMessage(
         QStringLiteral("The section of “%1” isn't in the side-bar.").arg(difference.payloadTitle), 5000);
+}
+
+void DocumentWindow::bringIntoView(const ProfileDifference& difference) {
+    SectionFormView* form = m_content->sectionFormView();
+    PayloadFormView* payloadView = form ? payloadViewNamed(*form, difference.payloadName) : nullptr;
+    if (!payloadView)
+        return;
+    const QString keyName = difference.keyPath.section(u'.', 0, 0).section(u'[', 0, 0);
+    FieldRowView* row = keyName.isEmpty() ? nullptr : payloadView->rowForKey(keyName);
+    form->scrollArea()->ensureWidgetVisible(row ? static_cast<QWidget*>(row) : payloadView);
+    if (row && !row->instrumentWidgets().isEmpty())
+        row->instrumentWidgets().first()->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace quorlin
