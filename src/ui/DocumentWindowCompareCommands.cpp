@@ -11,6 +11,7 @@
 #include "ui/PayloadFormView.h"
 #include "ui/ProfileComparisonWindow.h"
 #include "ui/SectionFormView.h"
+#include "ui/WindowNoticePresenter.h"
 #include "workspace/PFMSection.h"
 #include "workspace/PayloadViewController.h"
 
@@ -19,7 +20,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QTimer>
@@ -92,8 +92,8 @@ void DocumentWindow::compareWith(const QString& filePath) {
     const auto compared = readComparedFile(filePath);
     const QString name = QFileInfo(filePath).fileName();
     if (!compared) {
-        QMessageBox::warning(
-            this, QStringLiteral("Compare With"),
+        WindowNoticePresenter::showError(
+            this, QStringLiteral("The document could not be compared."),
             QStringLiteral("The file “%1” can't be read as a configuration profile.").arg(name));
         return;
     }

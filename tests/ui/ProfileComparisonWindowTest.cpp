@@ -5,10 +5,12 @@
 #include "ui/PayloadFormView.h"
 #include "ui/ProfileComparisonWindow.h"
 #include "ui/SectionFormView.h"
+#include "ui/WindowNoticePresenter.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
 
 #include <QAction>
+#include <QMessageBox>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -61,6 +63,16 @@ TEST_F(ProfileComparisonWindowTest, ListsAnEditAgainstTheSavedFileAndShowsItsFie
     const auto windows = window->findChildren<ProfileComparisonWindow*>();
     ASSERT_EQ(windows.size(), 2);
     EXPECT_TRUE(windows.last()->differences().isEmpty());
+
+    // A file that holds no profile gets words, not a window.
+    window->setComparisonFileChooser(
+        [&] { return testDataPath(QStringLiteral("diff/manifests/apps.plist")); });
+    window->compareWithAction()->trigger();
+    auto* box = waitForWidget<QMessageBox>(WindowNoticePresenter::errorObjectName);
+    ASSERT_TRUE(box);
+    EXPECT_TRUE(box->informativeText().contains("apps.plist"));
+    box->close();
+    EXPECT_EQ(window->findChildren<ProfileComparisonWindow*>().size(), 2);
 }
 
 } // namespace
