@@ -169,22 +169,18 @@ void ProfileComparison::compareArrays(const plist::Array& oldItems, const plist:
         const QString label = match.label.isEmpty() ? QStringLiteral("Item %1").arg(index + 1) : match.label;
         const Place item{QStringLiteral("%1[%2]").arg(place.path).arg(index),
                          place.titles + QStringList{label}, itemPrototype(place.prototype)};
-        const plist::Value oldItem = match.oldIndex ? oldItems[*match.oldIndex] : plist::Value();
-        const plist::Value newItem = match.newIndex ? newItems[*match.newIndex] : plist::Value();
-        if (!match.oldIndex || !match.newIndex) {
-            add(walk, match.oldIndex ? Kind::itemRemoved : Kind::itemAdded, item,
-                match.oldIndex ? std::optional(oldItem) : std::nullopt,
-                match.newIndex ? std::optional(newItem) : std::nullopt);
+        const auto oldItem = match.oldIndex ? std::optional(oldItems[*match.oldIndex]) : std::nullopt;
+        const auto newItem = match.newIndex ? std::optional(newItems[*match.newIndex]) : std::nullopt;
+        const bool isLone = !oldItem || !newItem;
+        if (isLone || match.moved) {
+            const Kind kind = !oldItem ? Kind::itemAdded : !newItem ? Kind::itemRemoved : Kind::itemMoved;
+            add(walk, kind, item, oldItem, newItem);
             walk.found.last().oldIndex = match.oldIndex;
             walk.found.last().newIndex = match.newIndex;
+        }
+        if (isLone)
             continue;
-        }
-        if (match.moved) {
-            add(walk, Kind::itemMoved, item, oldItem, newItem);
-            walk.found.last().oldIndex = match.oldIndex;
-            walk.found.last().newIndex = match.newIndex;
-        }
-        compareValues(oldItem, newItem, item, walk);
+        compareValues(*oldItem, *newItem, item, walk);
     }
 }
 
