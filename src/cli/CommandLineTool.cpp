@@ -1,6 +1,7 @@
 #include "cli/CommandLineTool.h"
 
 #include "cli/CheckCommand.h"
+#include "cli/DiffCommand.h"
 #include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
 #include "cli/ExitCode.h"
@@ -15,6 +16,7 @@
 #include "cli/NewCommand.h"
 #include "cli/PlistConvertCommand.h"
 #include "cli/PlistLintCommand.h"
+#include "cli/ShowCommand.h"
 #include "cli/SignCommand.h"
 #include "cli/UnsignCommand.h"
 #include "cli/VerifyCommand.h"
@@ -69,6 +71,8 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<IdentityImportCommand>());
     add(std::make_unique<IdentityListCommand>());
     add(std::make_unique<ManifestsLintCommand>());
+    add(std::make_unique<DiffCommand>());
+    add(std::make_unique<ShowCommand>());
 }
 
 QString CommandLineTool::programName() {

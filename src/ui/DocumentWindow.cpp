@@ -199,6 +199,7 @@ void DocumentWindow::buildActions() {
     });
     m_showInFileManagerAction =
         make(QStringLiteral("Show in File &Manager"), QKeySequence(), [this] { showInFileManager(); });
+    buildCompareActions();
     m_addAction =
         make(QStringLiteral("&Add Payload"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), [this] {
             if (PFMSection* section = commandSection())
@@ -256,6 +257,12 @@ void DocumentWindow::buildMenus() {
     file->addSeparator();
     file->addAction(m_exportAction);
     file->addAction(m_showInFileManagerAction);
+    file->addSeparator();
+    file->addAction(m_compareWithAction);
+    file->addAction(m_compareWithSavedAction);
+    // Only a document with a file has a saved version.
+    connect(file, &QMenu::aboutToShow, this,
+            [this] { m_compareWithSavedAction->setEnabled(m_document->filePath().has_value()); });
     if (app && app->quit) {
         file->addSeparator();
         file->addAction(app->quit);

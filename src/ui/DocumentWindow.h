@@ -31,6 +31,7 @@ class SectionSearchField;
 class UserDefaults;
 class ValidationSettings;
 struct ApplicationActions;
+struct ProfileDifference;
 
 // The window of one profile document: the side-bar of sections, the form of
 // the selected one, the toolbar and the commands. It owns the document and
@@ -69,6 +70,14 @@ public:
     QAction* saveAction() const { return m_saveAction; }
     QAction* findAction() const { return m_findAction; }
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
+    QAction* compareWithAction() const { return m_compareWithAction; }
+    QAction* compareWithSavedAction() const { return m_compareWithSavedAction; }
+    // Asks for the file that "Compare With…" compares with; empty for none.
+    void setComparisonFileChooser(std::function<QString()> choose) { m_chooseComparisonFile = std::move(choose); }
+    // Opens a comparison window of the file (the older) and the document.
+    void compareWith(const QString& filePath);
+    // Selects the section of the difference's payload and shows its field.
+    void showDifference(const ProfileDifference& difference);
 
     void selectSection(PFMSection* section);
     void setSigningIdentityTrust(std::function<bool(const QString& identityName)> isTrusted);
@@ -175,6 +184,12 @@ private:
     QAction* m_closeAction = nullptr;
     QAction* m_findAction = nullptr;
     QAction* m_configuredOnlyAction = nullptr;
+    QAction* m_compareWithAction = nullptr;
+    QAction* m_compareWithSavedAction = nullptr;
+    std::function<QString()> m_chooseComparisonFile;
+
+    void buildCompareActions();
+    void bringIntoView(const ProfileDifference& difference);
 };
 
 } // namespace quorlin
