@@ -215,12 +215,11 @@ QWidget* PreferencesWindow::buildManifestsPane() {
     addType(tr("Bundled manifests"), QStringLiteral("bundledTypeButton"), bundled);
     connect(m_types, &QButtonGroup::idClicked, this, &PreferencesWindow::typeClicked);
 
-    auto* compatibility = new QCheckBox(tr("Maximize compatibility of non-standard manifests"), pane);
-    compatibility->setObjectName(QStringLiteral("maximizeCompatibilityCheckbox"));
-    bindCheckBox(compatibility, DefaultsKey::maximizeNonStandardManifestCompatibility);
-    // It changes how every manifest is standardized, so the repositories must follow.
-    connect(compatibility, &QCheckBox::toggled, this, &PreferencesWindow::manifestRepositoryDidChange);
-    layout->addWidget(compatibility);
+    m_compatibility = new QCheckBox(tr("Maximize compatibility of non-standard manifests"), pane);
+    m_compatibility->setObjectName(QStringLiteral("maximizeCompatibilityCheckbox"));
+    connect(m_compatibility, &QCheckBox::clicked, this,
+            [this](bool checked) { m_view.maximizeNonStandardManifestCompatibility = checked; });
+    layout->addWidget(m_compatibility);
     layout->addStretch();
     layout->addWidget(buildVerificationRow(pane));
     return pane;
@@ -259,6 +258,7 @@ void PreferencesWindow::showSettings() {
         button->setChecked(true);
     m_address->setText(m_view.onlineAddress);
     m_branch->setText(m_view.onlineBranch);
+    m_compatibility->setChecked(m_view.maximizeNonStandardManifestCompatibility);
     m_localFolder->setText(m_view.localRepositoryPath.isEmpty() ? tr("None") : m_view.localRepositoryPath);
     m_userFolder->setText(m_view.userManifestFolder.isEmpty() ? tr("None") : m_view.userManifestFolder);
     const bool isOnline = m_view.isOnline();
@@ -435,9 +435,8 @@ QWidget* PreferencesWindow::buildMaintenancePane() {
 }
 
 void PreferencesWindow::resetToFactorySettings() {
-    const QString name = QCoreApplication::applicationName();
     m_services.notices.present(
-        this, FactoryReset::confirmation(name), [this](const ApplicationNotice::Reply& reply) {
+        this, FactoryReset::confirmation(), [this](const ApplicationNotice::Reply& reply) {
             if (reply.tag != ApplicationNotice::accept)
                 return;
             FactoryReset(m_defaults, m_services.restarter).run(m_services.closeAllDocuments);

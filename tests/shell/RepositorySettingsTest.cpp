@@ -128,7 +128,7 @@ TEST(FactoryResetRunTest, RestartsOnlyOnceEveryDocumentClosedAndTheDataIsGone) {
     ASSERT_TRUE(QDir().mkpath(store));
     RecordingRestarter restarter;
     FactoryReset reset(defaults, restarter);
-    EXPECT_TRUE(FactoryReset::confirmation("Quorlin Profile Editor")
+    EXPECT_TRUE(FactoryReset::confirmation()
                     .informativeText.endsWith("reset Quorlin Profile Editor to its factory state now?"));
 
     // A document the user keeps open stops it all.
