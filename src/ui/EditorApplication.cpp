@@ -116,12 +116,20 @@ void EditorApplication::makeActions() {
     };
 }
 
+// Pending repository settings are settled before any document closes, so a
+// user who stays to correct them finds the documents as they were.
 void EditorApplication::quit() {
     m_quitting = true;
-    m_documents->closeAllDocuments([this](bool allClosed) {
-        m_quitting = false;
-        if (allClosed)
-            terminateIfAllowed();
+    m_coordinator->shouldTerminate([this](bool mayQuit) {
+        if (!mayQuit) {
+            m_quitting = false;
+            return;
+        }
+        m_documents->closeAllDocuments([this](bool allClosed) {
+            m_quitting = false;
+            if (allClosed)
+                m_terminate();
+        });
     });
 }
 

@@ -216,12 +216,17 @@ TEST_F(EditorApplicationTest, OpenPreferencesHoldTheProgramAndAreAskedBeforeItEn
     // Entries that can't pass keep the window and the program.
     click(preferences, "onlineTypeButton");
     type(preferences, "onlineAddressTextField", "https://example.com/not/github");
+    DocumentWindow* kept = documents().newDocument();
     m_application->quit();
     QCoreApplication::processEvents();
     EXPECT_EQ(m_terminations, 0);
     EXPECT_TRUE(preferences->isVisible());
+    // The preferences are asked before any document closes.
+    EXPECT_EQ(documents().windows(), QList<DocumentWindow*>{kept});
     while (m_notices.waiting())
         m_notices.answer(ApplicationNotice::accept);
+    kept->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return documents().windows().isEmpty(); }));
 
     // Back to the stored settings, closing the last window ends the program.
     click(preferences, "bundledTypeButton");
