@@ -65,7 +65,10 @@ public:
         if (!key)
             m_document.reportAddedPayloads();
     }
-    void profileRemovalPasswordPayloadCountDidChange(Profile&) override {}
+    void profileRemovalPasswordPayloadCountDidChange(Profile&) override {
+        if (m_document.m_removalPasswordPayloadsHandler)
+            m_document.m_removalPasswordPayloadsHandler();
+    }
 
 private:
     ProfileDocument& m_document;

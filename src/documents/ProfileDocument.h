@@ -84,6 +84,11 @@ public:
     void setNoticePresenter(DocumentNoticePresenter* presenter) { m_noticePresenter = presenter; }
     void setSavePanelPresenter(SavePanelPresenter* presenter) { m_savePanelPresenter = presenter; }
     void setEventReporter(DocumentEventReporter* reporter) { m_eventReporter = reporter; }
+    // Told when the profile added or removed its removal password payloads by
+    // itself, following "HasRemovalPasscode": the window's section follows.
+    void setRemovalPasswordPayloadsHandler(std::function<void()> handler) {
+        m_removalPasswordPayloadsHandler = std::move(handler);
+    }
     // The notices of an opened file, once the window is set up.
     void presentOpeningNotices();
     // Notices raised while the window is hidden wait for this, oldest first.
@@ -137,6 +142,7 @@ private:
     bool m_observesSigningName = false;
     int m_changeCount = 0;
     std::function<int()> m_changeCountSource;
+    std::function<void()> m_removalPasswordPayloadsHandler;
     DocumentNoticePresenter* m_noticePresenter = nullptr;
     SavePanelPresenter* m_savePanelPresenter = nullptr;
     DocumentEventReporter* m_eventReporter = nullptr;

@@ -89,6 +89,7 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
     m_document->setNoticePresenter(&m_noticePresenter);
     m_document->setSavePanelPresenter(&m_savePresenter);
     m_document->setChangeCountSource([this] { return m_history.changeCount() + m_untrackedEdits; });
+    m_document->setRemovalPasswordPayloadsHandler([this] { followRemovalPasswordPayloads(); });
     // An opened file starts with no targets, leaving the remembered choice to new windows.
     if (m_document->shouldBeValueValidatedOnLaunch() == true)
         m_validationSettings->resetWithoutSaving();
@@ -133,6 +134,7 @@ DocumentWindow::~DocumentWindow() {
     m_document->setNoticePresenter(nullptr);
     m_document->setSavePanelPresenter(nullptr);
     m_document->setChangeCountSource({});
+    m_document->setRemovalPasswordPayloadsHandler({});
 }
 
 // ---- Layout

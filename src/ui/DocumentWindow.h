@@ -132,6 +132,7 @@ private:
     void exportPayloadAt(PFMSection& section, int index);
     void showInFileManager();
     void openDocumentation();
+    void followRemovalPasswordPayloads();
     void addPayloadFromFile(PFMSection& section);
     void countUntrackedEdit();
     void revalidateForms();

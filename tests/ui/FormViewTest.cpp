@@ -16,6 +16,7 @@
 #include "workspace/FormTextRenderer.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
+#include "schema/SchemaTrees.h"
 #include "workspace/WorkspaceTestSupport.h"
 
 #include <QAbstractButton>
@@ -169,6 +170,9 @@ TEST(FormView, ASearchBadgesItsGroupsAndMarksTheTermInTheRowsWithoutRebuildingTh
     PayloadFormView& payload = *window.view.sectionFormView()->payloadViews().first();
     const std::vector<QWidget*> rowsBefore = payload.rows();
     ASSERT_FALSE(payload.groupButtons().isEmpty());
+    // The notice of unfamiliar properties, when there is one, stands above the groups.
+    QWidget* notice = payload.unfamiliarNotice()->parentWidget();
+    EXPECT_EQ(notice->parentWidget()->layout()->indexOf(notice), 0);
 
     for (const QString& term :
          {QStringLiteral("cert"), QStringLiteral("o"), QStringLiteral("no such words")}) {
@@ -314,11 +318,19 @@ TEST_F(ExclusionForm, TheInfoButtonsOpenTheInformationOfTheKeyAndOfTheSectionWit
     EXPECT_TRUE(texts.contains(host->field().field()->prototype().title()));
     popover->close();
 
+    // A section of two domains tells of both.
+    section->addDomain(PFMDomain::make(manifestTree("com.example.proxy.legacy", {}, {{"pfm_title", "Proxy"}})));
     SectionFormView* form = window.view.sectionFormView();
     PropertyInfoPopover* sectionInfo = form->openSectionInfo();
     ASSERT_NE(sectionInfo, nullptr);
-    EXPECT_FALSE(sectionInfo->model().presence.has_value());
-    EXPECT_EQ(sectionInfo->model().title, section->primaryDomain()->title());
+    QStringList names;
+    for (const InfoPanelViewModel& panel : sectionInfo->models()) {
+        EXPECT_FALSE(panel.presence.has_value());
+        EXPECT_EQ(panel.title, QStringLiteral("Proxy"));
+        names << panel.name.value_or(QString());
+    }
+    EXPECT_EQ(names, QStringList(section->domains().keys()));
+    EXPECT_EQ(names.size(), 2);
     sectionInfo->close();
 }
 
