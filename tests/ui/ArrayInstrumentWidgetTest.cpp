@@ -145,6 +145,26 @@ TEST_F(ArrayInstrumentWidgetTest, StringsAreAddedTypedRemovedAndUndone) {
     EXPECT_EQ(view().rowCount(), 1);
 }
 
+TEST_F(ArrayInstrumentWidgetTest, TabPastTheLastCellAddsARowAndDuplicateHasItsButton) {
+    showTable(domainsDomain, QStringLiteral("EmailDomains"));
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    auto* first = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(first);
+    QTest::keyClicks(first, QStringLiteral("first.example"));
+    QTest::keyClick(first, Qt::Key_Tab);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view().rowCount() == 2 && table().state() == QAbstractItemView::EditingState; }));
+    typeIntoOpenEditor(QStringLiteral("second.example"));
+    EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
+              plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example")}));
+
+    EXPECT_FALSE(button("duplicateRowButton").isEnabled());
+    selectViewRow(0);
+    QTest::mouseClick(&button("duplicateRowButton"), Qt::LeftButton);
+    EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
+              plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example"),
+                                        QStringLiteral("first.example")}));
+}
+
 TEST_F(ArrayInstrumentWidgetTest, SortedViewEditsAndRemovesTheRightItems) {
     showTable(loginItemsDomain, loginItemsKey);
     const QByteArray before = bytes();
