@@ -68,6 +68,7 @@ DocumentWindow* DocumentController::makeWindow(std::unique_ptr<ProfileDocument> 
 
 DocumentWindow* DocumentController::newDocument() {
     auto document = std::make_unique<ProfileDocument>(m_supply.domains(), m_supply.environment(), m_defaults);
+    document->setEventReporter(m_supply.eventReporter);
     int untitledCount = 0;
     for (DocumentWindow* window : m_windows)
         untitledCount += window->document().filePath() ? 0 : 1;
@@ -103,6 +104,7 @@ Expected<DocumentWindow*, DocumentError> DocumentController::openDocument(const 
         return open;
     }
     auto document = std::make_unique<ProfileDocument>(m_supply.domains(), m_supply.environment(), m_defaults);
+    document->setEventReporter(m_supply.eventReporter);
     const auto read = document->readFromFile(filePath);
     if (!read)
         return fail(read.error());

@@ -4,7 +4,9 @@
 #include "documents/SigningProfileEnvironment.h"
 #include "documents/SigningServices.h"
 #include "plist/ApplicationIdentity.h"
+#include "shell/AuditLogAnalyticsSink.h"
 #include "supply/PFMDomainManager.h"
+#include "ui/AnalyticsEventReporter.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
@@ -23,7 +25,8 @@ namespace quorlin {
 EditorApplication::EditorApplication(UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
-    , m_start(defaults)
+    , m_analytics(std::make_shared<AuditLogAnalyticsSink>(defaults, AuditLogAnalyticsSink::standardFilePath()))
+    , m_start(defaults, m_analytics, ApplicationIdentity::shortVersionString())
     , m_terminate([] { QCoreApplication::quit(); }) {}
 
 EditorApplication::~EditorApplication() = default;
@@ -34,7 +37,9 @@ void EditorApplication::launch(const QStringList& filePaths) {
 }
 
 void EditorApplication::launch(PFMDomainManager& domainManager, const QStringList& filePaths) {
+    startAnalytics(domainManager);
     DocumentController::Supply supply;
+    supply.eventReporter = m_eventReporter.get();
     supply.domains = [&domainManager] { return domainManager.domains(); };
     // Read for each document, so a change of the preferences reaches the next new profile.
     supply.environment = [this] {
@@ -147,6 +152,19 @@ void EditorApplication::terminateIfAllowed() {
         if (terminate)
             m_terminate();
     });
+}
+
+// Only the domains of the bundled manifests are ever counted: a domain of
+// the user's own could name a customer.
+void EditorApplication::startAnalytics(PFMDomainManager& domainManager) {
+    m_analytics.setup(AnalyticsIntegration::applicationSecret());
+    m_analyticsHelper = std::make_unique<AnalyticsHelper>(m_analytics, [&domainManager] {
+        plist::Array manifests;
+        for (const plist::Dictionary& manifest : domainManager.bundledManifestRepository().standardizedManifests())
+            manifests.append(manifest);
+        return AnalyticsHelper::payloadDomainsOf(manifests);
+    });
+    m_eventReporter = std::make_unique<AnalyticsEventReporter>(*m_analyticsHelper);
 }
 
 void EditorApplication::showAbout() {

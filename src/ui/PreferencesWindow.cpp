@@ -3,6 +3,7 @@
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "shell/ApplicationNotice.h"
+#include "shell/AuditLogAnalyticsSink.h"
 #include "shell/FactoryDefaults.h"
 #include "shell/RepositorySettingsVerification.h"
 #include "supply/FolderBookmark.h"
@@ -426,6 +427,11 @@ QWidget* PreferencesWindow::buildMaintenancePane() {
     auto* pane = new QWidget(this);
     pane->setObjectName(QStringLiteral("maintenancePane"));
     auto* layout = new QVBoxLayout(pane);
+    auto* audit = new QCheckBox(tr("Keep a local log of the payload kinds that would be counted"), pane);
+    audit->setObjectName(QStringLiteral("analyticsAuditLogCheckbox"));
+    audit->setToolTip(tr("Nothing is ever sent. The log is %1").arg(AuditLogAnalyticsSink::standardFilePath()));
+    bindCheckBox(audit, DefaultsKey::analyticsAuditLogEnabled);
+    layout->addWidget(audit);
     auto* reset =
         namedButton(tr("Reset to Factory Settings…"), QStringLiteral("resetToFactorySettingsButton"), pane);
     connect(reset, &QPushButton::clicked, this, &PreferencesWindow::resetToFactorySettings);

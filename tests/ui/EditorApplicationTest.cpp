@@ -6,8 +6,12 @@
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
 #include "ui/ManifestUpdatesWindow.h"
+#include "plist/DefaultsKey.h"
+#include "shell/AuditLogAnalyticsSink.h"
 #include "ui/PreferencesWindow.h"
 #include "workspace/PFMSection.h"
+
+#include <QFile>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -201,6 +205,26 @@ TEST_F(EditorApplicationTest, QuittingAsksEachEditedDocumentAndCancelStops) {
     EXPECT_TRUE(documents().windows().isEmpty());
     QTest::qWait(20);
     EXPECT_EQ(m_terminations, 1);
+}
+
+TEST_F(EditorApplicationTest, DocumentsReportTheirBundledPayloadsToTheLocalAuditLogOnlyWhenItIsOn) {
+    launch();
+    DocumentWindow& window = onlyWindow();
+    PFMSection* browser = nullptr;
+    for (PFMSection* section : window.sections().content()) {
+        if (section->domains().contains(QStringLiteral("com.example.browser")))
+            browser = section;
+    }
+    ASSERT_TRUE(browser);
+    const QString log = AuditLogAnalyticsSink::standardFilePath();
+    window.addPayload(*browser);
+    EXPECT_FALSE(QFile::exists(log)) << "nothing is kept unless asked for";
+
+    m_defaults.set(DefaultsKey::analyticsAuditLogEnabled, true);
+    window.addPayload(*browser);
+    QFile file(log);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(QString::fromUtf8(file.readAll()).endsWith("\tPayload added\tDomainString=com.example.browser\n"));
 }
 
 TEST_F(EditorApplicationTest, OpenPreferencesHoldTheProgramAndAreAskedBeforeItEnds) {
