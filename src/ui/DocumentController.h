@@ -42,6 +42,8 @@ public:
         std::function<bool(const QString& identityName)> isIdentityTrusted;
         // Told of the payloads each document loads, adds and saves; may be null.
         DocumentEventReporter* eventReporter = nullptr;
+        // The sibling product's profile library now; nothing when there is none.
+        std::function<std::optional<QString>()> libraryFolder;
     };
 
     static inline const QString recentDocumentsKey = QStringLiteral("recentDocumentPaths");

@@ -5,6 +5,7 @@
 #include "documents/SigningServices.h"
 #include "plist/ApplicationIdentity.h"
 #include "shell/AuditLogAnalyticsSink.h"
+#include "shell/QuorlinPreferencesHelper.h"
 #include "supply/PFMDomainManager.h"
 #include "ui/AnalyticsEventReporter.h"
 #include "ui/DocumentController.h"
@@ -27,6 +28,7 @@ EditorApplication::EditorApplication(UserDefaults& defaults, QObject* parent)
     , m_defaults(defaults)
     , m_analytics(std::make_shared<AuditLogAnalyticsSink>(defaults, AuditLogAnalyticsSink::standardFilePath()))
     , m_start(defaults, m_analytics, ApplicationIdentity::shortVersionString())
+    , m_library(new QuorlinPreferencesHelper(QuorlinPreferencesHelper::standardPreferencesFilePath(), this))
     , m_terminate([] { QCoreApplication::quit(); }) {}
 
 EditorApplication::~EditorApplication() = default;
@@ -40,6 +42,7 @@ void EditorApplication::launch(PFMDomainManager& domainManager, const QStringLis
     startAnalytics(domainManager);
     DocumentController::Supply supply;
     supply.eventReporter = m_eventReporter.get();
+    supply.libraryFolder = [library = m_library] { return library->quorlinLibraryURL(); };
     supply.domains = [&domainManager] { return domainManager.domains(); };
     // Read for each document, so a change of the preferences reaches the next new profile.
     supply.environment = [this] {

@@ -20,6 +20,7 @@ namespace quorlin {
 class DocumentController;
 class DocumentEventReporter;
 class ManifestRepositoryCoordinator;
+class QuorlinPreferencesHelper;
 class PFMDomainManager;
 class UserDefaults;
 
@@ -67,6 +68,8 @@ private:
     std::unique_ptr<DocumentController> m_documents;
     ManifestRepositoryCoordinator* m_coordinator = nullptr;
     ApplicationActions m_actions;
+    // The sibling product's profile library, watched for as long as the editor runs.
+    QuorlinPreferencesHelper* m_library = nullptr;
     std::function<void()> m_terminate;
     bool m_quitting = false;
 };

@@ -8,10 +8,13 @@
 #include "ui/ManifestUpdatesWindow.h"
 #include "plist/DefaultsKey.h"
 #include "shell/AuditLogAnalyticsSink.h"
+#include "shell/QuorlinPreferencesHelper.h"
 #include "ui/PreferencesWindow.h"
 #include "workspace/PFMSection.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -225,6 +228,29 @@ TEST_F(EditorApplicationTest, DocumentsReportTheirBundledPayloadsToTheLocalAudit
     QFile file(log);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(QString::fromUtf8(file.readAll()).endsWith("\tPayload added\tDomainString=com.example.browser\n"));
+}
+
+TEST_F(EditorApplicationTest, TheLibraryCommandIsThereOnlyWithTheSiblingProductsLibraryAndSavesInIt) {
+    launch();
+    onlyWindow().updateCommandStates();
+    EXPECT_FALSE(onlyWindow().saveToQuorlinLibraryAction()->isVisible());
+
+    // The sibling product's preference file names its library.
+    const QString profiles = m_folder.filePath("Quorlin Library/Profiles");
+    ASSERT_TRUE(QDir().mkpath(profiles));
+    const QString preferences = QuorlinPreferencesHelper::standardPreferencesFilePath();
+    ASSERT_TRUE(writeManifest(preferences, {{"LibraryPath", m_folder.filePath("Quorlin Library")}}));
+    m_application = std::make_unique<EditorApplication>(m_defaults);
+    launch();
+    DocumentWindow& window = onlyWindow();
+    window.updateCommandStates();
+    ASSERT_TRUE(window.saveToQuorlinLibraryAction()->isVisible());
+    window.saveToQuorlinLibraryAction()->trigger();
+    const auto identifier = window.document().profile()->payloadIdentifier();
+    ASSERT_TRUE(identifier);
+    EXPECT_EQ(window.document().filePath(), profiles + "/" + *identifier + ".mobileconfig");
+    EXPECT_TRUE(QFileInfo::exists(profiles + "/" + *identifier + ".mobileconfig"));
+    EXPECT_FALSE(window.document().isDocumentEdited());
 }
 
 TEST_F(EditorApplicationTest, OpenPreferencesHoldTheProgramAndAreAskedBeforeItEnds) {
