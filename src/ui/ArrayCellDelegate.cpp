@@ -43,7 +43,7 @@ bool ArrayCellDelegate::eventFilter(QObject* object, QEvent* event) {
         if (key->key() == Qt::Key_Tab && key->modifiers() == Qt::NoModifier && isLastCell(cell)) {
             Q_EMIT commitData(editor);
             Q_EMIT closeEditor(editor, NoHint);
-            Q_EMIT tabbedPastLastCell(cell);
+            Q_EMIT tabbedPastLastCell(cell.row(), cell.column());
             return true;
         }
     }

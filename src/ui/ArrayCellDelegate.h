@@ -20,7 +20,7 @@ public:
 Q_SIGNALS:
     // Tab in the editor of the table's last cell: the edit is committed and
     // the table is to add a row, where editing goes on.
-    void tabbedPastLastCell(const QModelIndex& index);
+    void tabbedPastLastCell(int row, int column);
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -165,10 +165,10 @@ void ArrayInstrumentWidget::updateControls() {
     m_duplicateButton->setEnabled(m_duplicateAction->isEnabled());
 }
 
-void ArrayInstrumentWidget::tabPastLastCell(const QModelIndex& cell) {
-    if (!cell.isValid() || !m_table->isEnabled())
+void ArrayInstrumentWidget::tabPastLastCell(int row, int column) {
+    const QModelIndex source = m_proxy->mapToSource(m_proxy->index(row, column));
+    if (!source.isValid() || !m_table->isEnabled())
         return;
-    const QModelIndex source = m_proxy->mapToSource(cell);
     // Adding marks the new row for editing in this column; its reload opens it.
     m_controller.tabPastEndOfCell(source.row(), source.column());
 }

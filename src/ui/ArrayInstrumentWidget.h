@@ -50,7 +50,7 @@ private:
     void selectionDidChange();
     void updateControls();
     void editAddedRow();
-    void tabPastLastCell(const QModelIndex& cell);
+    void tabPastLastCell(int row, int column);
     void addChosenPlistFile();
     // A data, property-list or app cell of a dictionary row takes its value
     // from a chooser; false when the cell isn't one.

@@ -230,7 +230,7 @@ void DocumentWindow::openDocumentation() {
         return;
     // Sections of several domains have a page for each.
     const auto& urls = m_selectedSection->sectionProperties().documentationURLs;
-    for (const QUrl& url : urls.value_or(decltype(urls)::value_type()))
+    for (const QUrl& url : urls.value_or(QList<QUrl>()))
         QDesktopServices::openUrl(url);
 }
 

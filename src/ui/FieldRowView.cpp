@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
+#include <QEnterEvent>
 #include <QEvent>
 #include <QFontDatabase>
 #include <QHBoxLayout>

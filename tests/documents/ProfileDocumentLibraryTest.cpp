@@ -4,6 +4,7 @@
 
 #include "DocumentFixture.h"
 #include "documents/ProfileDocumentBundled.h"
+#include "support/TestSupport.h"
 
 #include <QDir>
 
