@@ -325,7 +325,7 @@ Expected<ProfileDocument::SaveResult, DocumentError> ProfileDocument::save(SaveO
 }
 
 Expected<ProfileDocument::SaveResult, DocumentError> ProfileDocument::saveToPath(const QString& filePath,
-                                                                                SaveOperation operation) {
+                                                                                 SaveOperation operation) {
     const int changesBeforeWrite = m_changeCount;
     const auto written = writeToFile(filePath, operation);
     if (!written)

@@ -47,7 +47,8 @@ std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeFromDefaults(c
 
 QString ProfileEnvironment::defaultIdentifier(const QString& uuid) const {
     QString prefix;
-    if (const auto chosen = identifierPrefix ? identifierPrefix() : std::nullopt; chosen && !chosen->isEmpty())
+    if (const auto chosen = identifierPrefix ? identifierPrefix() : std::nullopt;
+        chosen && !chosen->isEmpty())
         prefix = *chosen;
     else if (hostName)
         prefix = identifierPrefixFromHostName(*hostName);

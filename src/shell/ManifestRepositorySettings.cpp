@@ -48,7 +48,8 @@ void ManifestRepositorySettings::store(UserDefaults& defaults) const {
     defaults.set(DefaultsKey::manifestRepositoryType, type);
     defaults.set(DefaultsKey::onlineManifestRepositoryAddress, onlineAddress);
     defaults.set(DefaultsKey::onlineManifestRepositoryBranchName, onlineBranch);
-    defaults.set(DefaultsKey::maximizeNonStandardManifestCompatibility, maximizeNonStandardManifestCompatibility);
+    defaults.set(DefaultsKey::maximizeNonStandardManifestCompatibility,
+                 maximizeNonStandardManifestCompatibility);
     storeFolder(defaults, DefaultsKey::localRepositoryPathBookmark, localRepositoryPath);
     storeFolder(defaults, DefaultsKey::userManifestFolderBookmark, userManifestFolder);
 }

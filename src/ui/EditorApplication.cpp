@@ -26,7 +26,8 @@ namespace quorlin {
 EditorApplication::EditorApplication(UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
-    , m_analytics(std::make_shared<AuditLogAnalyticsSink>(defaults, AuditLogAnalyticsSink::standardFilePath()))
+    , m_analytics(
+          std::make_shared<AuditLogAnalyticsSink>(defaults, AuditLogAnalyticsSink::standardFilePath()))
     , m_start(defaults, m_analytics, ApplicationIdentity::shortVersionString())
     , m_library(new QuorlinPreferencesHelper(QuorlinPreferencesHelper::standardPreferencesFilePath(), this))
     , m_terminate([] { QCoreApplication::quit(); }) {}
@@ -163,7 +164,8 @@ void EditorApplication::startAnalytics(PFMDomainManager& domainManager) {
     m_analytics.setup(AnalyticsIntegration::applicationSecret());
     m_analyticsHelper = std::make_unique<AnalyticsHelper>(m_analytics, [&domainManager] {
         plist::Array manifests;
-        for (const plist::Dictionary& manifest : domainManager.bundledManifestRepository().standardizedManifests())
+        for (const plist::Dictionary& manifest :
+             domainManager.bundledManifestRepository().standardizedManifests())
             manifests.append(manifest);
         return AnalyticsHelper::payloadDomainsOf(manifests);
     });

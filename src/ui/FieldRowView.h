@@ -63,7 +63,6 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
-
     std::shared_ptr<FieldViewController> m_field;
     QLabel* m_title = nullptr;
     QLabel* m_writeOut = nullptr;

@@ -200,7 +200,7 @@ QWidget* PayloadFormView::makeRow(size_t index) {
 
 void PayloadFormView::applyVisibility() {
     const auto& fields = m_form.fieldViewControllers();
-    // The layout holds the notice, the selector and the no-fields message first, then the built rows in order.
+    // The notice, the selector and the no-fields label come first, then the built rows in order.
     int layoutIndex = m_fieldsLayout->indexOf(m_noFields) + 1;
     bool built = false;
     for (size_t index = 0; index < fields.size(); ++index) {

@@ -429,7 +429,8 @@ QWidget* PreferencesWindow::buildMaintenancePane() {
     auto* layout = new QVBoxLayout(pane);
     auto* audit = new QCheckBox(tr("Keep a local log of the payload kinds that would be counted"), pane);
     audit->setObjectName(QStringLiteral("analyticsAuditLogCheckbox"));
-    audit->setToolTip(tr("Nothing is ever sent. The log is %1").arg(AuditLogAnalyticsSink::standardFilePath()));
+    audit->setToolTip(
+        tr("Nothing is ever sent. The log is %1").arg(AuditLogAnalyticsSink::standardFilePath()));
     bindCheckBox(audit, DefaultsKey::analyticsAuditLogEnabled);
     layout->addWidget(audit);
     auto* reset =

@@ -238,7 +238,8 @@ namespace {
 bool domainSupervisedOn(const PFMDomain& domain, Model model) {
     if (domain.requiresSupervision())
         return domain.supportedPlatforms() && domain.supportedPlatforms()->contains(model);
-    const PFMXSupportedOS* record = domain.supportedOSes() ? domain.supportedOSes()->supportedOS(model) : nullptr;
+    const PFMXSupportedOS* record =
+        domain.supportedOSes() ? domain.supportedOSes()->supportedOS(model) : nullptr;
     return record && record->supervised.value_or(false);
 }
 } // namespace
@@ -250,8 +251,9 @@ std::optional<QString> PFMSection::supervisionRequiredString() const {
                         [&](const DomainPointer& domain) { return domainSupervisedOn(*domain, model); }))
             platforms.append(PFMSupportedPlatforms::displayName(model));
     }
-    const bool required = std::any_of(m_domains.begin(), m_domains.end(),
-                                      [](const DomainPointer& domain) { return domain->requiresSupervision(); });
+    const bool required = std::any_of(m_domains.begin(), m_domains.end(), [](const DomainPointer& domain) {
+        return domain->requiresSupervision();
+    });
     if (platforms.isEmpty())
         return required ? std::optional(QStringLiteral("Supervision required")) : std::nullopt;
     return QStringLiteral("Supervision required on %1").arg(Utilities::joinedTermSeries(platforms, false));

@@ -31,9 +31,14 @@ protected:
         return document;
     }
     static void rename(ProfileDocument& document, const QString& identifier) {
-        document.profile()->rootPayload()->keyAtPath(QStringLiteral("PayloadIdentifier"))->setValue(plist::Value(identifier));
+        document.profile()
+            ->rootPayload()
+            ->keyAtPath(QStringLiteral("PayloadIdentifier"))
+            ->setValue(plist::Value(identifier));
     }
-    QString inLibrary(const QString& identifier) const { return library + "/" + identifier + ".mobileconfig"; }
+    QString inLibrary(const QString& identifier) const {
+        return library + "/" + identifier + ".mobileconfig";
+    }
     std::optional<Result> save(ProfileDocument& document) {
         std::optional<Result> outcome;
         document.saveDocument(0, [&](const Result& result) { outcome = result; });
@@ -121,8 +126,9 @@ TEST_F(LibraryDocumentTest, AnUnsavedTemplateOfTheSiblingProductGoesWhenClosed) 
     notices.shown.clear();
     document->saveToQuorlinLibrary([](const Result&) {});
     ASSERT_EQ(notices.kinds(), QList<Kind>{Kind::quorlinLibrarySaveFailed});
-    EXPECT_EQ(notices.shown.last().notice.title,
-              QStringLiteral("Could not save to Quorlin library because the library location could not be found."));
+    EXPECT_EQ(
+        notices.shown.last().notice.title,
+        QStringLiteral("Could not save to Quorlin library because the library location could not be found."));
 }
 
 } // namespace

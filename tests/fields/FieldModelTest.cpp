@@ -110,7 +110,8 @@ TEST_F(FieldModelTest, TheRequiredMarkerAndEnablingFollowTheRules) {
 
     const auto fixed = field("Fixed");
     EXPECT_FALSE(fixed->isEnabled());
-    for (const Action action : {Action::unsetOnPayload, Action::setPropertyToDefaultValue, Action::forceEmptyValue})
+    for (const Action action :
+         {Action::unsetOnPayload, Action::setPropertyToDefaultValue, Action::forceEmptyValue})
         EXPECT_FALSE(fixed->validateMenuItem(action));
 
     FieldDisplaySettings settings;

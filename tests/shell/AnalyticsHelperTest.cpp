@@ -1,10 +1,10 @@
 #include "RecordingAnalyticsSink.h"
 
+#include "plist/DefaultsKey.h"
+#include "plist/UserDefaults.h"
 #include "shell/AnalyticsHelper.h"
 #include "shell/AnalyticsIntegration.h"
 #include "shell/AuditLogAnalyticsSink.h"
-#include "plist/DefaultsKey.h"
-#include "plist/UserDefaults.h"
 #include "support/TestSupport.h"
 
 #include <QDateTime>

@@ -1,13 +1,13 @@
 // Finding the sibling product's profile library from its preference file,
 // and following the file when the product changes it.
 
-#include "plist/XmlWriter.h"
 #include "shell/QuorlinPreferencesHelper.h"
+#include "plist/XmlWriter.h"
 
-#include <QDir>
-#include <QFile>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QSaveFile>
 #include <QTemporaryDir>
 
@@ -23,8 +23,8 @@ bool writePreferences(const QString& path, const plist::Dictionary& preferences)
     QDir().mkpath(QFileInfo(path).absolutePath());
     // Replaced as a whole, as the product writes it.
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(*plist::XmlWriter::write(plist::Value(preferences))) > 0 &&
-           file.commit();
+    return file.open(QIODevice::WriteOnly) &&
+           file.write(*plist::XmlWriter::write(plist::Value(preferences))) > 0 && file.commit();
 }
 
 // The watch reports through the event loop.

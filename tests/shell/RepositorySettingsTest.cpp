@@ -128,8 +128,8 @@ TEST(FactoryResetRunTest, RestartsOnlyOnceEveryDocumentClosedAndTheDataIsGone) {
     ASSERT_TRUE(QDir().mkpath(store));
     RecordingRestarter restarter;
     FactoryReset reset(defaults, restarter);
-    EXPECT_TRUE(FactoryReset::confirmation()
-                    .informativeText.endsWith("reset Quorlin Profile Editor to its factory state now?"));
+    EXPECT_TRUE(FactoryReset::confirmation().informativeText.endsWith(
+        "reset Quorlin Profile Editor to its factory state now?"));
 
     // A document the user keeps open stops it all.
     reset.run([](const std::function<void(bool)>& done) { done(false); });

@@ -152,7 +152,8 @@ TEST_F(ArrayInstrumentWidgetTest, TabPastTheLastCellAddsARowAndDuplicateHasItsBu
     ASSERT_TRUE(first);
     QTest::keyClicks(first, QStringLiteral("first.example"));
     QTest::keyClick(first, Qt::Key_Tab);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view().rowCount() == 2 && table().state() == QAbstractItemView::EditingState; }));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return view().rowCount() == 2 && table().state() == QAbstractItemView::EditingState; }));
     typeIntoOpenEditor(QStringLiteral("second.example"));
     EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
               plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example")}));

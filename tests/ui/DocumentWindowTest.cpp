@@ -18,8 +18,8 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFileDialog>
 #include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
@@ -239,7 +239,8 @@ TEST_F(DocumentWindowTest, SectionsFollowPayloadsTheProfileMakesAndFileSectionsN
     ASSERT_TRUE(password && fileBased);
 
     // The payload the profile adds to follow "HasRemovalPasscode" shows in its section, and goes with it.
-    const auto passcode = window->document().profile()->rootPayload()->keyAtPath(QStringLiteral("HasRemovalPasscode"));
+    const auto passcode =
+        window->document().profile()->rootPayload()->keyAtPath(QStringLiteral("HasRemovalPasscode"));
     window->history().setValue(passcode, plist::Value(true), QStringLiteral("HasRemovalPasscode"));
     EXPECT_EQ(password->payloadsConfigured(), 1);
     EXPECT_TRUE(password->sectionViewController());

@@ -2,13 +2,13 @@
 
 #include "EditorTestSupport.h"
 #include "RepositoryUiFixtures.h"
+#include "plist/DefaultsKey.h"
+#include "shell/AuditLogAnalyticsSink.h"
+#include "shell/QuorlinPreferencesHelper.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
 #include "ui/ManifestUpdatesWindow.h"
-#include "plist/DefaultsKey.h"
-#include "shell/AuditLogAnalyticsSink.h"
-#include "shell/QuorlinPreferencesHelper.h"
 #include "ui/PreferencesWindow.h"
 #include "workspace/PFMSection.h"
 
@@ -227,7 +227,8 @@ TEST_F(EditorApplicationTest, DocumentsReportTheirBundledPayloadsToTheLocalAudit
     window.addPayload(*browser);
     QFile file(log);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(QString::fromUtf8(file.readAll()).endsWith("\tPayload added\tDomainString=com.example.browser\n"));
+    EXPECT_TRUE(
+        QString::fromUtf8(file.readAll()).endsWith("\tPayload added\tDomainString=com.example.browser\n"));
 }
 
 TEST_F(EditorApplicationTest, TheLibraryCommandIsThereOnlyWithTheSiblingProductsLibraryAndSavesInIt) {

@@ -6,6 +6,7 @@
 #include "documents/ProfileSigningBridge.h"
 #include "documents/SigningFixture.h"
 #include "fields/FieldViewController.h"
+#include "schema/SchemaTrees.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
@@ -16,7 +17,6 @@
 #include "workspace/FormTextRenderer.h"
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
-#include "schema/SchemaTrees.h"
 #include "workspace/WorkspaceTestSupport.h"
 
 #include <QAbstractButton>
@@ -319,7 +319,8 @@ TEST_F(ExclusionForm, TheInfoButtonsOpenTheInformationOfTheKeyAndOfTheSectionWit
     popover->close();
 
     // A section of two domains tells of both.
-    section->addDomain(PFMDomain::make(manifestTree("com.example.proxy.legacy", {}, {{"pfm_title", "Proxy"}})));
+    section->addDomain(
+        PFMDomain::make(manifestTree("com.example.proxy.legacy", {}, {{"pfm_title", "Proxy"}})));
     SectionFormView* form = window.view.sectionFormView();
     PropertyInfoPopover* sectionInfo = form->openSectionInfo();
     ASSERT_NE(sectionInfo, nullptr);

@@ -128,9 +128,10 @@ TEST(SectionStrings, NamePlatformsAndSupervision) {
     section.addDomain(domain(
         QStringLiteral("com.example.c"), QStringLiteral("A"), QStringLiteral("system"),
         {{QStringLiteral("pfmx_supported_oses"),
-          plist::Dictionary{{QStringLiteral("iOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "5.0"},
-                                                                      {QStringLiteral("pfmx_supervised"), true}}},
-                            {QStringLiteral("tvOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "9.0"}}}}}}));
+          plist::Dictionary{
+              {QStringLiteral("iOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "5.0"},
+                                                        {QStringLiteral("pfmx_supervised"), true}}},
+              {QStringLiteral("tvOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "9.0"}}}}}}));
     EXPECT_EQ(section.supervisionRequiredString(), QStringLiteral("Supervision required on iOS and macOS"));
 }
 
