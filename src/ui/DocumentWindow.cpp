@@ -1,7 +1,6 @@
 #include "ui/DocumentWindow.h"
 
 #include "documents/ProfileDocumentBundled.h"
-
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "ui/ApplicationActions.h"
