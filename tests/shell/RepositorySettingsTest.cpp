@@ -83,6 +83,7 @@ TEST(ManifestRepositorySettingsTest, StoredSettingsReadBackAndOnlyTheDefaultsAre
     EXPECT_FALSE(settings.selectedRepositoryIsNonStandard()) << "the factory settings";
 
     settings.type = "local";
+    settings.maximizeNonStandardManifestCompatibility = false;
     settings.localRepositoryPath = folder.path();
     settings.userManifestFolder = folder.path();
     settings.store(defaults);
@@ -103,7 +104,7 @@ TEST(ManifestRepositorySettingsTest, StoredSettingsReadBackAndOnlyTheDefaultsAre
           Case{"online", address, "other", true}, Case{"online", address, "", true},
           Case{"online", "https://github.com/someone/else", branch, true},
           Case{"local", address, branch, true}}) {
-        const ManifestRepositorySettings entered{c.type, c.address, c.branch, {}, {}};
+        const ManifestRepositorySettings entered{c.type, c.address, c.branch, true, {}, {}};
         EXPECT_EQ(entered.selectedRepositoryIsNonStandard(), c.nonStandard)
             << c.type.toStdString() << " " << c.address.toStdString();
     }
