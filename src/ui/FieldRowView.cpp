@@ -440,7 +440,7 @@ PropertyInfoPopover* FieldRowView::openPropertyInfo() {
     m_popover = new PropertyInfoPopover(m_field->propertyInfo(), this);
     // The button lingers while its popover is open, then follows the pointer again.
     m_infoButton->show();
-    connect(m_popover, &QObject::destroyed, this, [this] { showInfoButtonIfWanted(); });
+    connect(m_popover.data(), &QObject::destroyed, this, [this] { showInfoButtonIfWanted(); });
     m_popover->showBelow(m_infoButton);
     return m_popover;
 }
