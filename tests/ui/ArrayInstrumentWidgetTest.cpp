@@ -161,7 +161,6 @@ TEST_F(ArrayInstrumentWidgetTest, TabPastTheLastCellAddsARowAndDuplicateHasItsBu
     EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
               plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example")}));
 
-    EXPECT_FALSE(button("duplicateRowButton").isEnabled());
     selectViewRow(0);
     QTest::mouseClick(&button("duplicateRowButton"), Qt::LeftButton);
     EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),

@@ -14,6 +14,7 @@
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
 #include "workspace/SectionArrayController.h"
+#include "model/ModelTestSupport.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -226,27 +227,34 @@ TEST_F(DocumentWindowTest, RemovingAsksWhichOnlyAmongSeveral) {
 }
 
 TEST_F(DocumentWindowTest, SectionsFollowPayloadsTheProfileMakesAndFileSectionsNameWhatTheyTake) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
-    ASSERT_TRUE(window);
+    // The payload the profile adds to follow "HasRemovalPasscode" shows in its section, and goes with it.
+    auto made = std::make_unique<ProfileDocument>(fixtureDomains(), makeTestEnvironment(), defaults);
+    ASSERT_TRUE(made->readFromData({}) && made->makeWindowControllers());
+    DocumentWindow passcodeWindow(std::move(made), fixtureDomains(), defaults, nullptr);
     PFMSection* password = nullptr;
-    PFMSection* fileBased = nullptr;
-    for (PFMSection* section : window->sections().content()) {
+    for (PFMSection* section : passcodeWindow.sections().content()) {
         if (section->domains().contains(QStringLiteral("com.apple.profileRemovalPassword")))
             password = section;
+    }
+    ASSERT_TRUE(password);
+    const auto passcode =
+        passcodeWindow.document().profile()->rootPayload()->keyAtPath(QStringLiteral("HasRemovalPasscode"));
+    ASSERT_TRUE(passcode);
+    passcodeWindow.history().setValue(passcode, plist::Value(true), QStringLiteral("HasRemovalPasscode"));
+    EXPECT_EQ(password->payloadsConfigured(), 1);
+    EXPECT_TRUE(password->sectionViewController());
+    passcodeWindow.undoAction()->trigger();
+    EXPECT_EQ(password->payloadsConfigured(), 0);
+    EXPECT_FALSE(password->sectionViewController());
+
+    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    ASSERT_TRUE(window);
+    PFMSection* fileBased = nullptr;
+    for (PFMSection* section : window->sections().content()) {
         if (!fileBased && !section->allowedFileExtensions().isEmpty())
             fileBased = section;
     }
-    ASSERT_TRUE(password && fileBased);
-
-    // The payload the profile adds to follow "HasRemovalPasscode" shows in its section, and goes with it.
-    const auto passcode =
-        window->document().profile()->rootPayload()->keyAtPath(QStringLiteral("HasRemovalPasscode"));
-    window->history().setValue(passcode, plist::Value(true), QStringLiteral("HasRemovalPasscode"));
-    EXPECT_EQ(password->payloadsConfigured(), 1);
-    EXPECT_TRUE(password->sectionViewController());
-    window->undoAction()->trigger();
-    EXPECT_EQ(password->payloadsConfigured(), 0);
-    EXPECT_FALSE(password->sectionViewController());
+    ASSERT_TRUE(fileBased);
 
     // The file panel lists the extensions; a file it can't take gets the section's words.
     window->addPayload(*fileBased);
