@@ -440,7 +440,10 @@ PropertyInfoPopover* FieldRowView::openPropertyInfo() {
     m_popover = new PropertyInfoPopover(m_field->propertyInfo(), this);
     // The button lingers while its popover is open, then follows the pointer again.
     m_infoButton->show();
-    connect(m_popover.data(), &QObject::destroyed, this, [this] { showInfoButtonIfWanted(); });
+    // While a widget is destroyed its guarded pointers still hold it.
+    connect(m_popover.data(), &QObject::destroyed, this, [this, closing = m_popover.data()] {
+        m_infoButton->setVisible(m_isMouseOver || (m_popover && m_popover.data() != closing));
+    });
     m_popover->showBelow(m_infoButton);
     return m_popover;
 }
