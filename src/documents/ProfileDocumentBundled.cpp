@@ -115,7 +115,7 @@ void ProfileDocumentBundled::answerClash(int reply, const QString& target, const
         saveWithNewIdentifier(completion);
         return;
     case DocumentNotice::replaceExisting:
-        if (!QFile::moveToTrash(target)) {
+        if (!m_trash(target)) {
             failLibrarySave(DocumentNotice::LibraryFailure::couldNotTrash, completion);
             return;
         }

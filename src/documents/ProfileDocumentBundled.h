@@ -2,6 +2,7 @@
 
 #include "documents/ProfileDocument.h"
 
+#include <QFile>
 #include <QString>
 
 #include <functional>
@@ -38,6 +39,10 @@ public:
     // may come after the user answered a clash.
     void saveToQuorlinLibrary(const SaveCompletion& completion);
 
+    // Moves a file to the desktop's trash; the platform's by default.
+    using TrashItem = std::function<bool(const QString& filePath)>;
+    void setTrash(TrashItem trash) { m_trash = std::move(trash); }
+
     // Whether `path` lies inside `folder`, by whole path components.
     static bool isInLibrary(const QString& path, const std::optional<QString>& folder);
 
@@ -56,6 +61,7 @@ private:
     void failLibrarySave(DocumentNotice::LibraryFailure failure, const SaveCompletion& completion);
 
     LibraryFolder m_library;
+    TrashItem m_trash = [](const QString& filePath) { return QFile::moveToTrash(filePath); };
     bool m_isLoadedNew = false;
     bool m_profileWasSavedOnce = false;
     std::optional<QString> m_oldFileToRemove;

@@ -26,6 +26,11 @@ protected:
                                                                  [this] { return libraryFolder; });
         document->setNoticePresenter(&notices);
         document->setSavePanelPresenter(&panel);
+        // A trash of the test's own, so that nothing lands in the user's.
+        document->setTrash([this](const QString& filePath) {
+            trashed << filePath;
+            return QFile::remove(filePath);
+        });
         document->windowDidShow();
         EXPECT_TRUE(document->readFromFile(writeFile("Library/Profiles/" + name, bytes)));
         return document;
@@ -47,6 +52,7 @@ protected:
 
     const QString library = folder.filePath(QStringLiteral("Library/Profiles"));
     std::optional<QString> libraryFolder = library;
+    QStringList trashed;
 };
 
 TEST_F(LibraryDocumentTest, ARenamedProfileMovesToItsNewNameAndSaysWhereItWent) {
@@ -100,7 +106,9 @@ TEST_F(LibraryDocumentTest, AClashOffersCancelReplaceOrANewIdentifier) {
     rename(*document, "org.example.taken");
     document->saveToQuorlinLibrary([&](const Result& result) { outcome = result; });
     notices.shown.last().reply({DocumentNotice::replaceExisting, false});
-    ASSERT_TRUE((*outcome)->saved) << "the other file went to the trash first";
+    ASSERT_TRUE((*outcome)->saved);
+    EXPECT_EQ(trashed, QStringList{inLibrary("org.example.taken")})
+        << "the other file went to the trash first";
     EXPECT_EQ(document->filePath(), inLibrary("org.example.taken"));
     EXPECT_NE(readFile(inLibrary("org.example.taken")), QByteArray("another profile"));
 }
