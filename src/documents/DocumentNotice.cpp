@@ -20,6 +20,57 @@ DocumentNotice informational(DocumentNotice::Kind kind, const QString& title, co
 
 } // namespace
 
+DocumentNotice DocumentNotice::savedToQuorlinLibrary(const std::optional<QString>& displayName) {
+    const QString name =
+        displayName && !displayName->isEmpty() ? *displayName : QStringLiteral("The profile");
+    return informational(Kind::savedToQuorlinLibrary, QStringLiteral("Saved to Library"),
+                         QStringLiteral("%1 was saved to Quorlin's profile library.").arg(name),
+                         DefaultsKey::noticeSuppressSavedToQuorlinLibrary);
+}
+
+DocumentNotice DocumentNotice::quorlinLibraryIdentifierClash() {
+    DocumentNotice notice = informational(
+        Kind::quorlinLibraryIdentifierClash,
+        QStringLiteral("Another profile with the same identifier already exists in the library."),
+        QStringLiteral(
+            "Would you like to cancel, replace the existing profile (it will be moved to the trash), "
+            "or generate a new identifier?"),
+        QString());
+    notice.suppressionTitle.clear();
+    notice.buttons = {
+        {QStringLiteral("Generate New Identifier"), generateNewIdentifier, KeyEquivalent::returnKey},
+        {QStringLiteral("Replace"), replaceExisting, KeyEquivalent::none},
+        {DocumentErrorWords::cancelReply, cancelSave, KeyEquivalent::escapeKey}};
+    return notice;
+}
+
+DocumentNotice DocumentNotice::quorlinLibrarySaveFailed(LibraryFailure failure) {
+    QString title;
+    QString text;
+    switch (failure) {
+    case LibraryFailure::noIdentifier:
+        title = QStringLiteral(
+            "Could not save to Quorlin library because generating a profile identifier has failed.");
+        break;
+    case LibraryFailure::libraryNotFound:
+        title = QStringLiteral(
+            "Could not save to Quorlin library because the library location could not be found.");
+        break;
+    case LibraryFailure::couldNotTrash:
+        title =
+            QStringLiteral("The original file could not be moved to the trash so replacing it was aborted.");
+        text = QStringLiteral("Please change the profile identifier and save to the Quorlin library again.");
+        break;
+    case LibraryFailure::noUniqueIdentifier:
+        title = QStringLiteral(
+            "Could not generate a unique profile identifier that is not already in use in the library.");
+        break;
+    }
+    DocumentNotice notice = informational(Kind::quorlinLibrarySaveFailed, title, text, QString());
+    notice.suppressionTitle.clear();
+    return notice;
+}
+
 DocumentNotice DocumentNotice::signingIdentityMissing() {
     return informational(Kind::signingIdentityMissing, DocumentErrorWords::signingIdentityMissingTitle,
                          DocumentErrorWords::signingIdentityMissingInfo,

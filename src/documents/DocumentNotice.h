@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace quorlin {
 
 // A notice that a document raises as a sheet on its window. The front end
@@ -12,8 +14,13 @@ struct DocumentNotice {
         signingIdentityMissing,
         malformedPayloadContentRemoved,
         iOS15SilentInstallIncompatibility,
-        profileInvalidOnSave
+        profileInvalidOnSave,
+        savedToQuorlinLibrary,
+        quorlinLibraryIdentifierClash,
+        quorlinLibrarySaveFailed
     };
+    // The replies of the clash in the library.
+    enum LibraryClashReply { generateNewIdentifier = 1000, replaceExisting = 1001, cancelSave = 1002 };
     enum class Style { informational, warning };
     enum class KeyEquivalent { none, returnKey, escapeKey };
 
@@ -37,6 +44,12 @@ struct DocumentNotice {
     static DocumentNotice malformedPayloadContentRemoved();
     static DocumentNotice iOS15SilentInstallIncompatibility();
     static DocumentNotice profileInvalidOnSave(int invalidValueCount);
+    // "<name> was saved to Quorlin's profile library."; it can be silenced.
+    static DocumentNotice savedToQuorlinLibrary(const std::optional<QString>& displayName);
+    static DocumentNotice quorlinLibraryIdentifierClash();
+    // The library saves that can't go ahead; each has an "OK" alone.
+    enum class LibraryFailure { noIdentifier, libraryNotFound, couldNotTrash, noUniqueIdentifier };
+    static DocumentNotice quorlinLibrarySaveFailed(LibraryFailure failure);
 
     bool operator==(const DocumentNotice&) const = default;
 };

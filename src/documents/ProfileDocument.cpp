@@ -65,7 +65,10 @@ public:
         if (!key)
             m_document.reportAddedPayloads();
     }
-    void profileRemovalPasswordPayloadCountDidChange(Profile&) override {}
+    void profileRemovalPasswordPayloadCountDidChange(Profile&) override {
+        if (m_document.m_removalPasswordPayloadsHandler)
+            m_document.m_removalPasswordPayloadsHandler();
+    }
 
 private:
     ProfileDocument& m_document;
@@ -270,13 +273,23 @@ void ProfileDocument::windowDidShow() {
 
 void ProfileDocument::saveDocument(int invalidValueCount, SaveCompletion completion) {
     confirmSaveDespiteInvalidValues(invalidValueCount, [this, completion](bool proceed) {
-        completion(proceed ? save(SaveOperation::save) : SaveResult{});
+        if (proceed)
+            performSave(SaveOperation::save, completion);
+        else
+            completion(SaveResult{});
     });
+}
+
+void ProfileDocument::performSave(SaveOperation operation, const SaveCompletion& completion) {
+    completion(save(operation));
 }
 
 void ProfileDocument::saveDocumentAs(int invalidValueCount, SaveCompletion completion) {
     confirmSaveDespiteInvalidValues(invalidValueCount, [this, completion](bool proceed) {
-        completion(proceed ? save(SaveOperation::saveAs) : SaveResult{});
+        if (proceed)
+            performSave(SaveOperation::saveAs, completion);
+        else
+            completion(SaveResult{});
     });
 }
 
@@ -308,6 +321,11 @@ Expected<ProfileDocument::SaveResult, DocumentError> ProfileDocument::save(SaveO
         takeSigningChoice(choice->signingCommonName);
         filePath = choice->filePath;
     }
+    return saveToPath(filePath, operation);
+}
+
+Expected<ProfileDocument::SaveResult, DocumentError> ProfileDocument::saveToPath(const QString& filePath,
+                                                                                 SaveOperation operation) {
     const int changesBeforeWrite = m_changeCount;
     const auto written = writeToFile(filePath, operation);
     if (!written)
@@ -342,6 +360,7 @@ std::optional<SavePanelChoice> ProfileDocument::chooseSavePlace() {
         else if (name && lastUsed && request.availableIdentities.contains(*lastUsed))
             request.signingCommonName = lastUsed;
     }
+    prepareSavePanel(request);
     return m_savePanelPresenter->chooseSavePlace(request);
 }
 

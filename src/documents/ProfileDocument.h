@@ -48,12 +48,12 @@ public:
 
     ProfileDocument(Profile::DomainList domains, std::shared_ptr<const ProfileEnvironment> environment,
                     UserDefaults& defaults);
-    ~ProfileDocument();
+    virtual ~ProfileDocument();
     ProfileDocument(const ProfileDocument&) = delete;
     ProfileDocument& operator=(const ProfileDocument&) = delete;
 
     // Reading. Empty data is a new document: no profile until the window is made.
-    Expected<bool, DocumentError> readFromData(const QByteArray& data);
+    virtual Expected<bool, DocumentError> readFromData(const QByteArray& data);
     Expected<bool, DocumentError> readFromFile(const QString& filePath);
 
     const Profile::Pointer& profile() const { return m_profile; }
@@ -84,6 +84,11 @@ public:
     void setNoticePresenter(DocumentNoticePresenter* presenter) { m_noticePresenter = presenter; }
     void setSavePanelPresenter(SavePanelPresenter* presenter) { m_savePanelPresenter = presenter; }
     void setEventReporter(DocumentEventReporter* reporter) { m_eventReporter = reporter; }
+    // Told when the profile added or removed its removal password payloads by
+    // itself, following "HasRemovalPasscode": the window's section follows.
+    void setRemovalPasswordPayloadsHandler(std::function<void()> handler) {
+        m_removalPasswordPayloadsHandler = std::move(handler);
+    }
     // The notices of an opened file, once the window is set up.
     void presentOpeningNotices();
     // Notices raised while the window is hidden wait for this, oldest first.
@@ -104,13 +109,22 @@ public:
     Expected<QByteArray, DocumentError> data();
     void setCommitGate(AtomicFileWriter::CommitGate gate) { m_writer = AtomicFileWriter(std::move(gate)); }
 
+protected:
+    // The save or save-as of the user's command, once confirmed; the
+    // completion may come later, after a notice.
+    virtual void performSave(SaveOperation operation, const SaveCompletion& completion);
+    // The write of a save to a place already chosen, as save() does it.
+    Expected<SaveResult, DocumentError> saveToPath(const QString& filePath, SaveOperation operation);
+    virtual void prepareSavePanel(SavePanelRequest& request) const { (void)request; }
+    void raiseNotice(const DocumentNotice& notice, std::function<void(int tag)> onReply);
+    DocumentNoticePresenter* noticePresenter() const { return m_noticePresenter; }
+
 private:
     class ProfileChangeCounter;
     using QueuedNotice = std::function<void()>;
 
     void adoptProfile(Profile::Pointer profile);
     bool isNoticeSuppressed(const DocumentNotice& notice) const;
-    void raiseNotice(const DocumentNotice& notice, std::function<void(int tag)> onReply);
     void showNotice(const DocumentNotice& notice, const std::function<void(int tag)>& onReply);
     void confirmSaveDespiteInvalidValues(int invalidValueCount, std::function<void(bool proceed)> decide);
     void fixAndSave();
@@ -137,6 +151,7 @@ private:
     bool m_observesSigningName = false;
     int m_changeCount = 0;
     std::function<int()> m_changeCountSource;
+    std::function<void()> m_removalPasswordPayloadsHandler;
     DocumentNoticePresenter* m_noticePresenter = nullptr;
     SavePanelPresenter* m_savePanelPresenter = nullptr;
     DocumentEventReporter* m_eventReporter = nullptr;

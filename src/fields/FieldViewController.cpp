@@ -194,7 +194,7 @@ bool FieldViewController::hideDescription() const {
 }
 
 bool FieldViewController::isEnabled() const {
-    return !m_field->excludedDisabledByConditional();
+    return m_field->prototype().userEditable() && !m_field->excludedDisabledByConditional();
 }
 
 bool FieldViewController::showsWriteOutIndicator() const {
@@ -223,7 +223,7 @@ int FieldViewController::leadingPadding() const {
 }
 
 bool FieldViewController::validateMenuItem(MenuAction action) const {
-    const bool disabled = m_field->excludedDisabledByConditional();
+    const bool disabled = !isEnabled();
     const PFMKeyPrototype& prototype = m_field->prototype();
     const PreferenceKeyValue& value = m_field->value();
     switch (action) {

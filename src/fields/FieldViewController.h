@@ -93,6 +93,8 @@ public:
     const FieldDetailsViewController& details() const { return m_details; }
     // "Required" in the details row: the key must be there right now.
     bool showsRequiredMarker() const { return m_details.showsRequiredTag(); }
+    // False for a key the manifest keeps read-only, and while a rule
+    // disables it; the value-changing menu items follow.
     bool isEnabled() const;
     // The dot that tells the key goes into the profile.
     bool showsWriteOutIndicator() const;

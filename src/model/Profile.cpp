@@ -431,8 +431,13 @@ void Profile::followRemovalPasscode(const PreferenceKey& key) {
     if (number && *number != 0) {
         if (hasPayloadOfType(removalPasswordType))
             return;
-        if (const auto domain = domainForType(removalPasswordType))
+        if (const auto domain = domainForType(removalPasswordType)) {
             addPayload(domain);
+            // The window shows the payload the profile made itself, as it
+            // drops those it removes.
+            if (const auto delegate = m_delegate.lock())
+                delegate->profileRemovalPasswordPayloadCountDidChange(*this);
+        }
         return;
     }
     m_configurationPayloads.removeIf(

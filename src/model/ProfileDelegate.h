@@ -14,7 +14,7 @@ public:
     virtual ~ProfileDelegate() = default;
     // A key changed, or a payload was added or removed (key is null).
     virtual void profileDidChange(Profile& profile, Payload* payload, PreferenceKey* key) = 0;
-    // Payloads of "com.apple.profileRemovalPassword" were removed to follow the root.
+    // Payloads of "com.apple.profileRemovalPassword" were added or removed to follow the root.
     virtual void profileRemovalPasswordPayloadCountDidChange(Profile& profile) = 0;
 };
 

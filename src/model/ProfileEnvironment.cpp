@@ -5,6 +5,7 @@
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 
+#include <QPointer>
 #include <QRegularExpression>
 #include <QSysInfo>
 
@@ -34,7 +35,9 @@ std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeSystem() {
 
 std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeFromDefaults(const UserDefaults& defaults) {
     auto environment = makeSystemEnvironment();
-    environment->identifierPrefix = nonEmpty(defaults.string(DefaultsKey::identifierPrefix));
+    environment->identifierPrefix = [source = QPointer<const UserDefaults>(&defaults)] {
+        return source ? nonEmpty(source->string(DefaultsKey::identifierPrefix)) : std::nullopt;
+    };
     environment->organizationName =
         nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsOrganizationName));
     environment->consentText = nonEmpty(defaults.string(DefaultsKey::preferencesDefaultsConsentText));
@@ -44,8 +47,9 @@ std::shared_ptr<const ProfileEnvironment> ProfileEnvironment::makeFromDefaults(c
 
 QString ProfileEnvironment::defaultIdentifier(const QString& uuid) const {
     QString prefix;
-    if (identifierPrefix && !identifierPrefix->isEmpty())
-        prefix = *identifierPrefix;
+    if (const auto chosen = identifierPrefix ? identifierPrefix() : std::nullopt;
+        chosen && !chosen->isEmpty())
+        prefix = *chosen;
     else if (hostName)
         prefix = identifierPrefixFromHostName(*hostName);
     return prefix + QLatin1Char('.') + uuid;

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <functional>
+
 #include <memory>
 #include <optional>
 
@@ -16,14 +18,17 @@ class UserDefaults;
 // Everything outside the profile that its making and saving depend on: the
 // sources of UUIDs and dates, the machine's name, the user's preferences and
 // the signing services. Tests build one by hand; the program reads it once
-// per profile from the user defaults.
+// per profile from the user defaults, except the identifier prefix, which
+// it reads when an identifier is made.
 struct ProfileEnvironment {
     std::shared_ptr<UUIDSource> uuids;
     std::shared_ptr<DateSource> dates;
     // Null when signing isn't available: signed files can't be opened and
     // no save can be signed.
     std::shared_ptr<ProfileSigningServices> signingServices;
-    std::optional<QString> identifierPrefix;
+    // Asked each time an identifier is made, so that a prefix changed in the
+    // preferences reaches the next payload of a document already open.
+    std::function<std::optional<QString>()> identifierPrefix;
     std::optional<QString> hostName;
     std::optional<QString> organizationName;
     std::optional<QString> consentText;

@@ -61,6 +61,8 @@ inline const QString noticeSuppressIOS15SilentInstallationIncompatibility =
     QStringLiteral("noticeSuppressIOS15SilentInstallationIncompatibility");
 inline const QString noticeSuppressSavedToQuorlinLibrary =
     QStringLiteral("noticeSuppressSavedToQuorlinLibrary");
+// Off unless set: the usage events go to a local log for the administrator's audit.
+inline const QString analyticsAuditLogEnabled = QStringLiteral("analyticsAuditLogEnabled");
 
 // Written by earlier versions; read once by the version migrations and removed.
 inline const QString lastLaunchedBundleVersionString = QStringLiteral("lastLaunchedBundleVersionString");

@@ -1,11 +1,24 @@
 #include "schema/PFMConditionalPrototype.h"
 
+#include <algorithm>
+
 namespace quorlin {
+
+namespace {
+
+// A list with a stray element is a malformed list, not a list with one
+// unreadable condition: the whole rule is unusable.
+bool holdsOnlyDictionaries(const plist::Array& elements) {
+    return std::all_of(elements.begin(), elements.end(),
+                       [](const plist::Value& element) { return element.dictionary() != nullptr; });
+}
+
+} // namespace
 
 std::optional<PFMConditionalPrototype> PFMConditionalPrototype::make(const plist::Dictionary& dictionary,
                                                                      bool isExclusion) {
     const plist::Array* conditions = dictionary.array(QStringLiteral("pfm_target_conditions"));
-    if (!conditions)
+    if (!conditions || !holdsOnlyDictionaries(*conditions))
         return std::nullopt;
 
     PFMConditionalPrototype rule;
@@ -22,12 +35,7 @@ std::optional<PFMConditionalPrototype> PFMConditionalPrototype::make(const plist
     }
 
     for (const plist::Value& element : *conditions) {
-        // An element that isn't a dictionary is as unreadable as a condition
-        // that fails, and is left out alone.
-        const plist::Dictionary* conditionDictionary = element.dictionary();
-        if (!conditionDictionary)
-            continue;
-        if (auto condition = PFMTargetConditionPrototype::make(*conditionDictionary))
+        if (auto condition = PFMTargetConditionPrototype::make(*element.dictionary()))
             rule.m_targetConditions.append(std::move(*condition));
     }
     if (rule.m_targetConditions.isEmpty())

@@ -18,8 +18,9 @@ public:
     enum class Kind { requirement, exclusion };
     enum class RequireStatus { always, push };
 
-    // Nothing when "pfm_target_conditions" isn't an array or none of its
-    // conditions can be read; unreadable conditions are left out one by one.
+    // Nothing when "pfm_target_conditions" isn't an array of dictionaries or
+    // none of its conditions can be read; unreadable conditions are left out
+    // one by one.
     static std::optional<PFMConditionalPrototype> make(const plist::Dictionary& dictionary, bool isExclusion);
 
     static QString rawValue(RequireStatus status);

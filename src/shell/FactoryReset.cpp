@@ -1,5 +1,6 @@
 #include "shell/FactoryReset.h"
 
+#include "plist/ApplicationIdentity.h"
 #include "shell/FactoryDefaults.h"
 #include "shell/ProcessRestarter.h"
 
@@ -9,8 +10,8 @@ FactoryReset::FactoryReset(UserDefaults& defaults, ProcessRestarter& restarter)
     : m_defaults(defaults)
     , m_restarter(restarter) {}
 
-ApplicationNotice FactoryReset::confirmation(const QString& programName) {
-    return ApplicationNotice::resetToFactorySettings(programName);
+ApplicationNotice FactoryReset::confirmation() {
+    return ApplicationNotice::resetToFactorySettings(ApplicationIdentity::displayName());
 }
 
 void FactoryReset::run(const CloseAllDocuments& closeAllDocuments) const {

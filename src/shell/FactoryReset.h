@@ -20,7 +20,8 @@ public:
 
     FactoryReset(UserDefaults& defaults, ProcessRestarter& restarter);
 
-    static ApplicationNotice confirmation(const QString& programName);
+    // Names the program as people know it, not by its executable.
+    static ApplicationNotice confirmation();
     // After a confirmation; nothing happens if a document stays open.
     void run(const CloseAllDocuments& closeAllDocuments) const;
 

@@ -37,6 +37,8 @@ ManifestRepositorySettings ManifestRepositorySettings::read(const UserDefaults& 
         defaults.string(DefaultsKey::onlineManifestRepositoryAddress).value_or(QString());
     settings.onlineBranch =
         defaults.string(DefaultsKey::onlineManifestRepositoryBranchName).value_or(QString());
+    settings.maximizeNonStandardManifestCompatibility =
+        defaults.boolean(DefaultsKey::maximizeNonStandardManifestCompatibility).value_or(false);
     settings.localRepositoryPath = folderOf(defaults, DefaultsKey::localRepositoryPathBookmark);
     settings.userManifestFolder = folderOf(defaults, DefaultsKey::userManifestFolderBookmark);
     return settings;
@@ -46,6 +48,8 @@ void ManifestRepositorySettings::store(UserDefaults& defaults) const {
     defaults.set(DefaultsKey::manifestRepositoryType, type);
     defaults.set(DefaultsKey::onlineManifestRepositoryAddress, onlineAddress);
     defaults.set(DefaultsKey::onlineManifestRepositoryBranchName, onlineBranch);
+    defaults.set(DefaultsKey::maximizeNonStandardManifestCompatibility,
+                 maximizeNonStandardManifestCompatibility);
     storeFolder(defaults, DefaultsKey::localRepositoryPathBookmark, localRepositoryPath);
     storeFolder(defaults, DefaultsKey::userManifestFolderBookmark, userManifestFolder);
 }

@@ -13,6 +13,9 @@ struct ManifestRepositorySettings {
     QString type;
     QString onlineAddress;
     QString onlineBranch;
+    // Changes how every manifest is standardized, so it is verified and
+    // stored with the repository it applies to.
+    bool maximizeNonStandardManifestCompatibility = true;
     // Folders named by the bookmarks; empty when none is set.
     QString localRepositoryPath;
     QString userManifestFolder;

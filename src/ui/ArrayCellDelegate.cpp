@@ -5,6 +5,8 @@
 
 #include <QComboBox>
 #include <QDateTimeEdit>
+#include <QKeyEvent>
+#include <QPersistentModelIndex>
 
 namespace quorlin {
 
@@ -16,10 +18,40 @@ Types typeOf(const QModelIndex& index) {
     return Types(index.data(ArrayTableModel::InstrumentTypeRole).toInt());
 }
 
+const char* const cellProperty = "arrayCell";
+
+bool isLastCell(const QModelIndex& index) {
+    return index.isValid() && index.row() == index.model()->rowCount() - 1 &&
+           index.column() == index.model()->columnCount() - 1;
+}
+
 } // namespace
 
 QWidget* ArrayCellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                          const QModelIndex& index) const {
+    QWidget* editor = makeEditor(parent, option, index);
+    if (editor)
+        editor->setProperty(cellProperty, QVariant::fromValue(QPersistentModelIndex(index)));
+    return editor;
+}
+
+bool ArrayCellDelegate::eventFilter(QObject* object, QEvent* event) {
+    auto* editor = qobject_cast<QWidget*>(object);
+    if (editor && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const QModelIndex cell = editor->property(cellProperty).value<QPersistentModelIndex>();
+        if (key->key() == Qt::Key_Tab && key->modifiers() == Qt::NoModifier && isLastCell(cell)) {
+            Q_EMIT commitData(editor);
+            Q_EMIT closeEditor(editor, NoHint);
+            Q_EMIT tabbedPastLastCell(cell.row(), cell.column());
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(object, event);
+}
+
+QWidget* ArrayCellDelegate::makeEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                                       const QModelIndex& index) const {
     switch (typeOf(index)) {
     case Types::popUpButton: {
         auto* popUp = new QComboBox(parent);

@@ -16,6 +16,17 @@ public:
                           const QModelIndex& index) const override;
     void setEditorData(QWidget* editor, const QModelIndex& index) const override;
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
+
+Q_SIGNALS:
+    // Tab in the editor of the table's last cell: the edit is committed and
+    // the table is to add a row, where editing goes on.
+    void tabbedPastLastCell(int row, int column);
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private:
+    QWidget* makeEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const;
 };
 
 } // namespace quorlin

@@ -62,7 +62,11 @@ ArrayInstrumentWidget::ArrayInstrumentWidget(FieldViewController& field,
     m_table = new QTableView(this);
     m_table->setObjectName(QStringLiteral("arrayTable"));
     m_table->setModel(m_proxy);
-    m_table->setItemDelegate(new ArrayCellDelegate(m_table));
+    auto* cells = new ArrayCellDelegate(m_table);
+    m_table->setItemDelegate(cells);
+    // Once the editor has gone: the new row opens its cell for editing.
+    connect(cells, &ArrayCellDelegate::tabbedPastLastCell, this, &ArrayInstrumentWidget::tabPastLastCell,
+            Qt::QueuedConnection);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
@@ -80,12 +84,14 @@ ArrayInstrumentWidget::ArrayInstrumentWidget(FieldViewController& field,
 
     m_addButton = makeToolButton(QStringLiteral("+"), QStringLiteral("Add"), this);
     m_removeButton = makeToolButton(QString(QChar(0x2212)), QStringLiteral("Remove"), this);
+    m_duplicateButton = makeToolButton(QStringLiteral("\u29C9"), QStringLiteral("Duplicate"), this);
     m_duplicateAction = new QAction(QStringLiteral("Duplicate"), this);
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_table->addAction(m_duplicateAction);
     connect(m_addButton, &QToolButton::clicked, this, &ArrayInstrumentWidget::addRow);
     connect(m_removeButton, &QToolButton::clicked, this, &ArrayInstrumentWidget::removeSelectedRows);
     connect(m_duplicateAction, &QAction::triggered, this, &ArrayInstrumentWidget::duplicateSelectedRows);
+    connect(m_duplicateButton, &QToolButton::clicked, this, &ArrayInstrumentWidget::duplicateSelectedRows);
     connect(m_table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ArrayInstrumentWidget::selectionDidChange);
 
@@ -98,6 +104,7 @@ ArrayInstrumentWidget::ArrayInstrumentWidget(FieldViewController& field,
     buttons->setSpacing(0);
     buttons->addWidget(m_addButton);
     buttons->addWidget(m_removeButton);
+    buttons->addWidget(m_duplicateButton);
     buttons->addStretch();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -155,6 +162,15 @@ void ArrayInstrumentWidget::updateControls() {
     m_addButton->setEnabled(enabled);
     m_removeButton->setEnabled(enabled && m_controller.canRemoveOrDuplicate());
     m_duplicateAction->setEnabled(enabled && m_controller.canRemoveOrDuplicate());
+    m_duplicateButton->setEnabled(m_duplicateAction->isEnabled());
+}
+
+void ArrayInstrumentWidget::tabPastLastCell(int row, int column) {
+    const QModelIndex source = m_proxy->mapToSource(m_proxy->index(row, column));
+    if (!source.isValid() || !m_table->isEnabled())
+        return;
+    // Adding marks the new row for editing in this column; its reload opens it.
+    m_controller.tabPastEndOfCell(source.row(), source.column());
 }
 
 QList<int> ArrayInstrumentWidget::selectedSourceRows() const {

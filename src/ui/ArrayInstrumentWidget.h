@@ -50,6 +50,7 @@ private:
     void selectionDidChange();
     void updateControls();
     void editAddedRow();
+    void tabPastLastCell(int row, int column);
     void addChosenPlistFile();
     // A data, property-list or app cell of a dictionary row takes its value
     // from a chooser; false when the cell isn't one.
@@ -68,6 +69,7 @@ private:
     QLabel* m_refusal = nullptr;
     QToolButton* m_addButton = nullptr;
     QToolButton* m_removeButton = nullptr;
+    QToolButton* m_duplicateButton = nullptr;
     QAction* m_duplicateAction = nullptr;
     InstrumentControlRelay m_relay;
 };

@@ -1,6 +1,6 @@
 #include "ui/DocumentController.h"
 
-#include "documents/ProfileDocument.h"
+#include "documents/ProfileDocumentBundled.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "ui/DocumentWindow.h"
@@ -67,7 +67,9 @@ DocumentWindow* DocumentController::makeWindow(std::unique_ptr<ProfileDocument> 
 }
 
 DocumentWindow* DocumentController::newDocument() {
-    auto document = std::make_unique<ProfileDocument>(m_supply.domains(), m_supply.environment(), m_defaults);
+    auto document = std::make_unique<ProfileDocumentBundled>(m_supply.domains(), m_supply.environment(),
+                                                             m_defaults, m_supply.libraryFolder);
+    document->setEventReporter(m_supply.eventReporter);
     int untitledCount = 0;
     for (DocumentWindow* window : m_windows)
         untitledCount += window->document().filePath() ? 0 : 1;
@@ -102,7 +104,9 @@ Expected<DocumentWindow*, DocumentError> DocumentController::openDocument(const 
         open->activateWindow();
         return open;
     }
-    auto document = std::make_unique<ProfileDocument>(m_supply.domains(), m_supply.environment(), m_defaults);
+    auto document = std::make_unique<ProfileDocumentBundled>(m_supply.domains(), m_supply.environment(),
+                                                             m_defaults, m_supply.libraryFolder);
+    document->setEventReporter(m_supply.eventReporter);
     const auto read = document->readFromFile(filePath);
     if (!read)
         return fail(read.error());

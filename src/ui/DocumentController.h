@@ -20,6 +20,7 @@ class QWidget;
 
 namespace quorlin {
 
+class DocumentEventReporter;
 class DocumentWindow;
 class UserDefaults;
 struct ApplicationActions;
@@ -39,6 +40,10 @@ public:
         std::function<std::shared_ptr<const ProfileEnvironment>()> environment;
         // Whether an identity's chain is trusted, for the signing choice of the form.
         std::function<bool(const QString& identityName)> isIdentityTrusted;
+        // Told of the payloads each document loads, adds and saves; may be null.
+        DocumentEventReporter* eventReporter = nullptr;
+        // The sibling product's profile library now; nothing when there is none.
+        std::function<std::optional<QString>()> libraryFolder;
     };
 
     static inline const QString recentDocumentsKey = QStringLiteral("recentDocumentPaths");

@@ -1,5 +1,6 @@
 #include "ui/DocumentWindow.h"
 
+#include "documents/ProfileDocumentBundled.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "ui/ApplicationActions.h"
@@ -89,6 +90,7 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
     m_document->setNoticePresenter(&m_noticePresenter);
     m_document->setSavePanelPresenter(&m_savePresenter);
     m_document->setChangeCountSource([this] { return m_history.changeCount() + m_untrackedEdits; });
+    m_document->setRemovalPasswordPayloadsHandler([this] { followRemovalPasswordPayloads(); });
     // An opened file starts with no targets, leaving the remembered choice to new windows.
     if (m_document->shouldBeValueValidatedOnLaunch() == true)
         m_validationSettings->resetWithoutSaving();
@@ -133,6 +135,7 @@ DocumentWindow::~DocumentWindow() {
     m_document->setNoticePresenter(nullptr);
     m_document->setSavePanelPresenter(nullptr);
     m_document->setChangeCountSource({});
+    m_document->setRemovalPasswordPayloadsHandler({});
 }
 
 // ---- Layout
@@ -191,6 +194,9 @@ void DocumentWindow::buildActions() {
                         [this] { save(ProfileDocument::SaveOperation::save); });
     m_saveAsAction = make(QStringLiteral("Save &As…"), QKeySequence::SaveAs,
                           [this] { save(ProfileDocument::SaveOperation::saveAs); });
+    m_saveToLibraryAction =
+        make(QStringLiteral("Save to Quorlin &Library"), QKeySequence(), [this] { saveToQuorlinLibrary(); });
+    m_saveToLibraryAction->setObjectName(QStringLiteral("saveToQuorlinLibraryAction"));
     m_revertAction =
         make(QStringLiteral("Re&vert to Saved"), QKeySequence(), [this] { Q_EMIT revertRequested(this); });
     m_exportAction = make(QStringLiteral("&Export Payload…"), QKeySequence(), [this] {
@@ -253,6 +259,8 @@ void DocumentWindow::buildMenus() {
     addIf(file, app ? app->closeAll : nullptr);
     file->addAction(m_saveAction);
     file->addAction(m_saveAsAction);
+    file->addAction(m_saveToLibraryAction);
+    connect(file, &QMenu::aboutToShow, this, &DocumentWindow::updateCommandStates);
     file->addAction(m_revertAction);
     file->addSeparator();
     file->addAction(m_exportAction);
@@ -565,6 +573,9 @@ void DocumentWindow::updateCommandStates() {
                CommandAvailability::showInFileManager(m_document->filePath().has_value()),
                QStringLiteral("Show the document's file in the file manager"));
     m_revertAction->setEnabled(m_document->filePath().has_value() && m_document->isDocumentEdited());
+    // Absent, not disabled, without the sibling product's library.
+    const auto* bundled = dynamic_cast<const ProfileDocumentBundled*>(m_document.get());
+    m_saveToLibraryAction->setVisible(bundled && bundled->hasQuorlinLibrary());
 }
 
 void DocumentWindow::showSectionMenu(PFMSection* clicked, const QPoint& globalPosition) {
@@ -601,9 +612,27 @@ int DocumentWindow::invalidValueCount() {
 }
 
 void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
+    auto completion = saveCompletion(std::move(done));
+    // The repair the save would make by itself becomes a step of the history.
+    m_history.repairBeforeSave(m_document->profile());
+    if (operation == ProfileDocument::SaveOperation::saveAs)
+        m_document->saveDocumentAs(invalidValueCount(), completion);
+    else
+        m_document->saveDocument(invalidValueCount(), completion);
+}
+
+void DocumentWindow::saveToQuorlinLibrary() {
+    auto* bundled = dynamic_cast<ProfileDocumentBundled*>(m_document.get());
+    if (!bundled)
+        return;
+    m_history.repairBeforeSave(m_document->profile());
+    bundled->saveToQuorlinLibrary(saveCompletion({}));
+}
+
+// What follows a save, which may end after a notice was answered.
+ProfileDocument::SaveCompletion DocumentWindow::saveCompletion(Done done) {
     QPointer<DocumentWindow> alive(this);
-    auto completion = [this, alive,
-                       done](const Expected<ProfileDocument::SaveResult, DocumentError>& result) {
+    return [this, alive, done](const Expected<ProfileDocument::SaveResult, DocumentError>& result) {
         if (!alive)
             return;
         if (!result)
@@ -620,12 +649,6 @@ void DocumentWindow::save(ProfileDocument::SaveOperation operation, Done done) {
         if (done)
             done(result && result->saved);
     };
-    // The repair the save would make by itself becomes a step of the history.
-    m_history.repairBeforeSave(m_document->profile());
-    if (operation == ProfileDocument::SaveOperation::saveAs)
-        m_document->saveDocumentAs(invalidValueCount(), completion);
-    else
-        m_document->saveDocument(invalidValueCount(), completion);
 }
 
 void DocumentWindow::askToClose(Done done) {

@@ -68,6 +68,7 @@ public:
     QAction* undoAction() const { return m_undoAction; }
     QAction* redoAction() const { return m_redoAction; }
     QAction* saveAction() const { return m_saveAction; }
+    QAction* saveToQuorlinLibraryAction() const { return m_saveToLibraryAction; }
     QAction* findAction() const { return m_findAction; }
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
     QAction* compareWithAction() const { return m_compareWithAction; }
@@ -93,6 +94,7 @@ public:
     // Asks about invalid values, then for a place when needed; `done` learns
     // whether the file was written.
     void save(ProfileDocument::SaveOperation operation, Done done = {});
+    void saveToQuorlinLibrary();
     // Asks about unsaved changes (Save, Don't Save, Cancel); `done` learns
     // whether the window may close. Closing then is the caller's.
     void askToClose(Done done);
@@ -141,11 +143,13 @@ private:
     void exportPayloadAt(PFMSection& section, int index);
     void showInFileManager();
     void openDocumentation();
+    void followRemovalPasswordPayloads();
     void addPayloadFromFile(PFMSection& section);
     void countUntrackedEdit();
     void revalidateForms();
     void updateTitle();
     QStringList payloadTitles(const PFMSection& section) const;
+    ProfileDocument::SaveCompletion saveCompletion(Done done);
     static QStringList profileFilesIn(const QMimeData* data);
 
     std::unique_ptr<ProfileDocument> m_document;
@@ -179,6 +183,7 @@ private:
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QAction* m_saveAction = nullptr;
+    QAction* m_saveToLibraryAction = nullptr;
     QAction* m_saveAsAction = nullptr;
     QAction* m_revertAction = nullptr;
     QAction* m_closeAction = nullptr;

@@ -3,6 +3,8 @@
 // documentation. Apart from the window's set-up, which is long enough alone.
 #include "ui/DocumentWindow.h"
 
+#include "fields/FileChoice.h"
+#include "plist/Utilities.h"
 #include "ui/CommandAvailability.h"
 #include "ui/ContentView.h"
 #include "ui/PayloadSelectorDialog.h"
@@ -34,6 +36,22 @@ const QString exportTitle = QStringLiteral("Export");
 const QString exportMessage = QStringLiteral(
     "The section contains multiple payloads, please select the one that you would like to export.");
 
+void showFileIncompatible(QWidget* window) {
+    WindowNoticePresenter::showError(window, FileChoice::incompatibleTitle(), FileChoice::incompatibleText());
+}
+
+// "Select a certificate to add to the configuration profile (.cer, .crt, or .der)"
+QString addFromFileMessage(const PFMSection& section) {
+    QStringList extensions;
+    for (const QString& extension : section.allowedFileExtensions())
+        extensions.append(QLatin1Char('.') + extension);
+    const QString listed = extensions.isEmpty()
+                               ? QString()
+                               : QStringLiteral(" (%1)").arg(Utilities::joinedTermSeries(extensions, true));
+    return QStringLiteral("Select a %1 to add to the configuration profile%2")
+        .arg(section.sectionProperties().title.toLower(), listed);
+}
+
 } // namespace
 
 void DocumentWindow::addPayload(PFMSection& section) {
@@ -44,8 +62,7 @@ void DocumentWindow::addPayload(PFMSection& section) {
         addPayloadFromFile(section);
         break;
     case PFMSection::AddPayloadResult::fileIncompatible:
-        WindowNoticePresenter::showError(this, QStringLiteral("The file can't be added to this section."),
-                                         QStringLiteral("The file is not of a kind the section takes."));
+        showFileIncompatible(this);
         break;
     case PFMSection::AddPayloadResult::added:
     case PFMSection::AddPayloadResult::refused:
@@ -67,16 +84,14 @@ void DocumentWindow::addPayloadFromFile(PFMSection& section) {
     if (!extensions.isEmpty())
         dialog->setNameFilter(extensions.join(u' '));
     dialog->setLabelText(QFileDialog::Accept, QStringLiteral("Add"));
-    dialog->setWindowTitle(QStringLiteral("Select a %1 to add to the configuration profile")
-                               .arg(section.sectionProperties().title.toLower()));
+    dialog->setWindowTitle(addFromFileMessage(section));
     QPointer<PFMSection> target(&section);
     connect(dialog, &QFileDialog::fileSelected, this, [this, target](const QString& filePath) {
         if (!target)
             return;
         const auto result = m_history.addPayload(*target, m_document->profile(), filePath);
         if (result == PFMSection::AddPayloadResult::fileIncompatible)
-            WindowNoticePresenter::showError(this, QStringLiteral("The file can't be added to this section."),
-                                             QStringLiteral("The file is not of a kind the section takes."));
+            showFileIncompatible(this);
         target->setFieldDisplaySettings(m_displaySettings);
         updateCommandStates();
     });
@@ -181,6 +196,18 @@ void DocumentWindow::exportPayloadAt(PFMSection& section, int index) {
     dialog->open();
 }
 
+// The profile added or removed its removal password payloads by itself.
+void DocumentWindow::followRemovalPasswordPayloads() {
+    for (const auto& section : m_sectionCollection.sections()) {
+        if (!section->domains().contains(QStringLiteral("com.apple.profileRemovalPassword")))
+            continue;
+        section->refresh(m_document->profile());
+        section->setFieldDisplaySettings(m_displaySettings);
+        updateCommandStates();
+        return;
+    }
+}
+
 void DocumentWindow::showInFileManager() {
     const auto& filePath = m_document->filePath();
     if (!filePath)
@@ -201,9 +228,10 @@ void DocumentWindow::showInFileManager() {
 void DocumentWindow::openDocumentation() {
     if (!m_selectedSection)
         return;
+    // Sections of several domains have a page for each.
     const auto& urls = m_selectedSection->sectionProperties().documentationURLs;
-    if (urls && !urls->isEmpty())
-        QDesktopServices::openUrl(urls->first());
+    for (const QUrl& url : urls.value_or(QList<QUrl>()))
+        QDesktopServices::openUrl(url);
 }
 
 } // namespace quorlin

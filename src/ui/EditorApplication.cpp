@@ -4,7 +4,10 @@
 #include "documents/SigningProfileEnvironment.h"
 #include "documents/SigningServices.h"
 #include "plist/ApplicationIdentity.h"
+#include "shell/AuditLogAnalyticsSink.h"
+#include "shell/QuorlinPreferencesHelper.h"
 #include "supply/PFMDomainManager.h"
+#include "ui/AnalyticsEventReporter.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
@@ -23,7 +26,10 @@ namespace quorlin {
 EditorApplication::EditorApplication(UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
-    , m_start(defaults)
+    , m_analytics(
+          std::make_shared<AuditLogAnalyticsSink>(defaults, AuditLogAnalyticsSink::standardFilePath()))
+    , m_start(defaults, m_analytics, ApplicationIdentity::shortVersionString())
+    , m_library(new QuorlinPreferencesHelper(QuorlinPreferencesHelper::standardPreferencesFilePath(), this))
     , m_terminate([] { QCoreApplication::quit(); }) {}
 
 EditorApplication::~EditorApplication() = default;
@@ -34,7 +40,10 @@ void EditorApplication::launch(const QStringList& filePaths) {
 }
 
 void EditorApplication::launch(PFMDomainManager& domainManager, const QStringList& filePaths) {
+    startAnalytics(domainManager);
     DocumentController::Supply supply;
+    supply.eventReporter = m_eventReporter.get();
+    supply.libraryFolder = [library = m_library] { return library->quorlinLibraryURL(); };
     supply.domains = [&domainManager] { return domainManager.domains(); };
     // Read for each document, so a change of the preferences reaches the next new profile.
     supply.environment = [this] {
@@ -116,12 +125,20 @@ void EditorApplication::makeActions() {
     };
 }
 
+// Pending repository settings are settled before any document closes, so a
+// user who stays to correct them finds the documents as they were.
 void EditorApplication::quit() {
     m_quitting = true;
-    m_documents->closeAllDocuments([this](bool allClosed) {
-        m_quitting = false;
-        if (allClosed)
-            terminateIfAllowed();
+    m_coordinator->shouldTerminate([this](bool mayQuit) {
+        if (!mayQuit) {
+            m_quitting = false;
+            return;
+        }
+        m_documents->closeAllDocuments([this](bool allClosed) {
+            m_quitting = false;
+            if (allClosed)
+                m_terminate();
+        });
     });
 }
 
@@ -139,6 +156,20 @@ void EditorApplication::terminateIfAllowed() {
         if (terminate)
             m_terminate();
     });
+}
+
+// Only the domains of the bundled manifests are ever counted: a domain of
+// the user's own could name a customer.
+void EditorApplication::startAnalytics(PFMDomainManager& domainManager) {
+    m_analytics.setup(AnalyticsIntegration::applicationSecret());
+    m_analyticsHelper = std::make_unique<AnalyticsHelper>(m_analytics, [&domainManager] {
+        plist::Array manifests;
+        for (const plist::Dictionary& manifest :
+             domainManager.bundledManifestRepository().standardizedManifests())
+            manifests.append(manifest);
+        return AnalyticsHelper::payloadDomainsOf(manifests);
+    });
+    m_eventReporter = std::make_unique<AnalyticsEventReporter>(*m_analyticsHelper);
 }
 
 void EditorApplication::showAbout() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/AnalyticsHelper.h"
+#include "shell/AnalyticsIntegration.h"
 #include "shell/ApplicationStart.h"
 #include "ui/ApplicationActions.h"
 #include "ui/PassphraseDialog.h"
@@ -16,7 +18,9 @@ class QAction;
 namespace quorlin {
 
 class DocumentController;
+class DocumentEventReporter;
 class ManifestRepositoryCoordinator;
+class QuorlinPreferencesHelper;
 class PFMDomainManager;
 class UserDefaults;
 
@@ -51,13 +55,21 @@ private:
     void terminateIfAllowed();
     void lastWindowMayHaveClosed();
     void showAbout();
+    void startAnalytics(PFMDomainManager& domainManager);
 
     UserDefaults& m_defaults;
+    // Sends nothing anywhere; the audit log, when the user turns it on, is local.
+    AnalyticsIntegration m_analytics;
     ApplicationStart m_start;
+    // Made at launch, once the bundled manifests are known; they outlive the documents.
+    std::unique_ptr<AnalyticsHelper> m_analyticsHelper;
+    std::unique_ptr<DocumentEventReporter> m_eventReporter;
     PassphraseDialog m_passphrases;
     std::unique_ptr<DocumentController> m_documents;
     ManifestRepositoryCoordinator* m_coordinator = nullptr;
     ApplicationActions m_actions;
+    // The sibling product's profile library, watched for as long as the editor runs.
+    QuorlinPreferencesHelper* m_library = nullptr;
     std::function<void()> m_terminate;
     bool m_quitting = false;
 };

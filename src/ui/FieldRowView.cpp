@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
+#include <QEnterEvent>
 #include <QEvent>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -183,6 +184,8 @@ QKeySequence FieldRowView::propertyInfoShortcut() {
 }
 
 FieldRowView::~FieldRowView() {
+    // Its closing brings the info button into line, which must still be there.
+    delete m_popover.data();
     // The instruments detach while the field still holds them.
     qDeleteAll(m_instruments);
     m_instruments.clear();
@@ -201,14 +204,6 @@ void FieldRowView::buildTitleRow() {
     m_writeOut->setToolTip(QStringLiteral("Written to the profile"));
     Tint::setTextRole(*m_writeOut, QPalette::Highlight);
     m_writeOut->installEventFilter(new ClickMenuFilter(*this));
-    m_documentationButton = new QToolButton(this);
-    m_documentationButton->setText(QStringLiteral("Documentation"));
-    m_documentationButton->setAutoRaise(true);
-    m_documentationButton->setAccessibleName(QStringLiteral("Documentation"));
-    connect(m_documentationButton, &QToolButton::clicked, this, [this] {
-        if (const auto url = m_field->details().documentationURL())
-            QDesktopServices::openUrl(*url);
-    });
     m_infoButton = new QToolButton(this);
     m_infoButton->setObjectName(QStringLiteral("propertyInfoButton"));
     m_infoButton->setText(QStringLiteral("?"));
@@ -223,9 +218,14 @@ void FieldRowView::buildTitleRow() {
     m_infoButton->setToolTip(
         QStringLiteral("Property Info (%1)").arg(propertyInfoShortcut().toString(QKeySequence::NativeText)));
     connect(m_infoButton, &QToolButton::clicked, this, [this] { openPropertyInfo(); });
+    // It shows while the pointer is over the row; its place stays, so that
+    // the title doesn't move under the pointer.
+    QSizePolicy keepPlace = m_infoButton->sizePolicy();
+    keepPlace.setRetainSizeWhenHidden(true);
+    m_infoButton->setSizePolicy(keepPlace);
+    m_infoButton->hide();
     row->addWidget(m_title, 1);
     row->addWidget(m_writeOut);
-    row->addWidget(m_documentationButton);
     row->addWidget(m_infoButton);
     static_cast<QVBoxLayout*>(layout())->addLayout(row);
     m_description = richLabel(this);
@@ -297,7 +297,7 @@ void FieldRowView::refresh() {
         setTextIfChanged(m_description, HighlightedText::html(description.text, description.highlights));
     }
     m_writeOut->setVisible(field.showsWriteOutIndicator());
-    m_documentationButton->setVisible(field.details().showsDocumentationButton());
+    applySpacing();
     for (QWidget* widget : m_instruments)
         widget->setEnabled(field.isEnabled());
     const auto error = field.error();
@@ -315,7 +315,8 @@ QString FieldRowView::detailsSignature() const {
         const auto name = m_field->displayName();
         parts << HighlightedText::html(name.text, name.highlights, name.isDimmed);
     }
-    parts << QString::number(details.showsRequiredTag()) << QString::number(details.showsSupervisedOnlyTag());
+    parts << QString::number(details.showsRequiredTag()) << QString::number(details.showsSupervisedOnlyTag())
+          << QString::number(details.showsDocumentationButton());
     for (TextRange range : details.highlightedTermMatchesSupervision())
         parts << QStringLiteral("%1+%2").arg(range.start).arg(range.length);
     for (const PlatformTag& tag : details.platformTags())
@@ -358,7 +359,48 @@ void FieldRowView::refreshDetails() {
                          m_details));
     for (const PlatformTag& tag : details.platformTags())
         m_detailsLayout->addWidget(TagLabel::platform(tag, m_details));
+    if (details.showsDocumentationButton())
+        m_detailsLayout->addWidget(makeDocumentationButton());
     m_detailsLayout->addStretch(1);
+}
+
+QToolButton* FieldRowView::makeDocumentationButton() {
+    auto* button = new QToolButton(m_details);
+    button->setObjectName(QStringLiteral("documentationButton"));
+    button->setText(QStringLiteral("Documentation"));
+    button->setAutoRaise(true);
+    button->setAccessibleName(QStringLiteral("Documentation"));
+    connect(button, &QToolButton::clicked, this, [this] {
+        if (const auto url = m_field->details().documentationURL())
+            QDesktopServices::openUrl(*url);
+    });
+    return button;
+}
+
+// A check box row tightens below itself when it has no details and no error.
+void FieldRowView::applySpacing() {
+    const auto spacing = m_field->spacing();
+    if (!spacing)
+        return;
+    const QMargins margins = layout()->contentsMargins();
+    layout()->setContentsMargins(margins.left(), 1, margins.right(), spacing->bottomSpace);
+    m_detailsLayout->setContentsMargins(0, spacing->instrumentRowBottomPadding, 0, 0);
+}
+
+void FieldRowView::showInfoButtonIfWanted() {
+    m_infoButton->setVisible(m_isMouseOver || m_popover);
+}
+
+void FieldRowView::enterEvent(QEnterEvent* event) {
+    QWidget::enterEvent(event);
+    m_isMouseOver = true;
+    showInfoButtonIfWanted();
+}
+
+void FieldRowView::leaveEvent(QEvent* event) {
+    QWidget::leaveEvent(event);
+    m_isMouseOver = false;
+    showInfoButtonIfWanted();
 }
 
 QMenu* FieldRowView::makeContextMenu(QWidget* parent) {
@@ -396,6 +438,12 @@ PropertyInfoPopover* FieldRowView::openPropertyInfo() {
     if (m_popover)
         m_popover->close();
     m_popover = new PropertyInfoPopover(m_field->propertyInfo(), this);
+    // The button lingers while its popover is open, then follows the pointer again.
+    m_infoButton->show();
+    // While a widget is destroyed its guarded pointers still hold it.
+    connect(m_popover.data(), &QObject::destroyed, this, [this, closing = m_popover.data()] {
+        m_infoButton->setVisible(m_isMouseOver || (m_popover && m_popover.data() != closing));
+    });
     m_popover->showBelow(m_infoButton);
     return m_popover;
 }

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class QEnterEvent;
 class QHBoxLayout;
 class QLabel;
 class QMenu;
@@ -53,12 +54,20 @@ private:
     void refreshDetails();
     QString detailsSignature() const;
     void perform(FieldViewController::MenuAction action);
+    QToolButton* makeDocumentationButton();
+    void applySpacing();
+    void showInfoButtonIfWanted();
 
+protected:
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
     std::shared_ptr<FieldViewController> m_field;
     QLabel* m_title = nullptr;
     QLabel* m_writeOut = nullptr;
+    // Shown while the pointer is over the row or its popover is open.
     QToolButton* m_infoButton = nullptr;
-    QToolButton* m_documentationButton = nullptr;
     QLabel* m_description = nullptr;
     QWidget* m_details = nullptr;
     QHBoxLayout* m_detailsLayout = nullptr;
@@ -67,6 +76,7 @@ private:
     QString m_detailsSignature;
     bool m_detailsBuilt = false;
     QPointer<PropertyInfoPopover> m_popover;
+    bool m_isMouseOver = false;
 };
 
 } // namespace quorlin

@@ -175,7 +175,8 @@ void PayloadFormView::buildNotices() {
     });
     row->addWidget(m_unfamiliarNotice, 1);
     row->addWidget(m_unfamiliarRemove);
-    m_fieldsLayout->addWidget(m_unfamiliarBox);
+    // It heads the stack, above the group selector.
+    m_fieldsLayout->insertWidget(0, m_unfamiliarBox);
     m_noFields = new QLabel(noFieldsText(), m_fieldsBox);
     m_noFields->setObjectName(QStringLiteral("noFieldsDisplayed"));
     m_noFields->setAlignment(Qt::AlignCenter);
@@ -199,7 +200,7 @@ QWidget* PayloadFormView::makeRow(size_t index) {
 
 void PayloadFormView::applyVisibility() {
     const auto& fields = m_form.fieldViewControllers();
-    // The layout holds the selector and the notices first, then the built rows in order.
+    // The notice, the selector and the no-fields label come first, then the built rows in order.
     int layoutIndex = m_fieldsLayout->indexOf(m_noFields) + 1;
     bool built = false;
     for (size_t index = 0; index < fields.size(); ++index) {

@@ -3,6 +3,7 @@
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
 #include "shell/ApplicationNotice.h"
+#include "shell/AuditLogAnalyticsSink.h"
 #include "shell/FactoryDefaults.h"
 #include "shell/RepositorySettingsVerification.h"
 #include "supply/FolderBookmark.h"
@@ -215,12 +216,11 @@ QWidget* PreferencesWindow::buildManifestsPane() {
     addType(tr("Bundled manifests"), QStringLiteral("bundledTypeButton"), bundled);
     connect(m_types, &QButtonGroup::idClicked, this, &PreferencesWindow::typeClicked);
 
-    auto* compatibility = new QCheckBox(tr("Maximize compatibility of non-standard manifests"), pane);
-    compatibility->setObjectName(QStringLiteral("maximizeCompatibilityCheckbox"));
-    bindCheckBox(compatibility, DefaultsKey::maximizeNonStandardManifestCompatibility);
-    // It changes how every manifest is standardized, so the repositories must follow.
-    connect(compatibility, &QCheckBox::toggled, this, &PreferencesWindow::manifestRepositoryDidChange);
-    layout->addWidget(compatibility);
+    m_compatibility = new QCheckBox(tr("Maximize compatibility of non-standard manifests"), pane);
+    m_compatibility->setObjectName(QStringLiteral("maximizeCompatibilityCheckbox"));
+    connect(m_compatibility, &QCheckBox::clicked, this,
+            [this](bool checked) { m_view.maximizeNonStandardManifestCompatibility = checked; });
+    layout->addWidget(m_compatibility);
     layout->addStretch();
     layout->addWidget(buildVerificationRow(pane));
     return pane;
@@ -259,6 +259,7 @@ void PreferencesWindow::showSettings() {
         button->setChecked(true);
     m_address->setText(m_view.onlineAddress);
     m_branch->setText(m_view.onlineBranch);
+    m_compatibility->setChecked(m_view.maximizeNonStandardManifestCompatibility);
     m_localFolder->setText(m_view.localRepositoryPath.isEmpty() ? tr("None") : m_view.localRepositoryPath);
     m_userFolder->setText(m_view.userManifestFolder.isEmpty() ? tr("None") : m_view.userManifestFolder);
     const bool isOnline = m_view.isOnline();
@@ -426,6 +427,12 @@ QWidget* PreferencesWindow::buildMaintenancePane() {
     auto* pane = new QWidget(this);
     pane->setObjectName(QStringLiteral("maintenancePane"));
     auto* layout = new QVBoxLayout(pane);
+    auto* audit = new QCheckBox(tr("Keep a local log of the payload kinds that would be counted"), pane);
+    audit->setObjectName(QStringLiteral("analyticsAuditLogCheckbox"));
+    audit->setToolTip(
+        tr("Nothing is ever sent. The log is %1").arg(AuditLogAnalyticsSink::standardFilePath()));
+    bindCheckBox(audit, DefaultsKey::analyticsAuditLogEnabled);
+    layout->addWidget(audit);
     auto* reset =
         namedButton(tr("Reset to Factory Settings…"), QStringLiteral("resetToFactorySettingsButton"), pane);
     connect(reset, &QPushButton::clicked, this, &PreferencesWindow::resetToFactorySettings);
@@ -435,9 +442,8 @@ QWidget* PreferencesWindow::buildMaintenancePane() {
 }
 
 void PreferencesWindow::resetToFactorySettings() {
-    const QString name = QCoreApplication::applicationName();
     m_services.notices.present(
-        this, FactoryReset::confirmation(name), [this](const ApplicationNotice::Reply& reply) {
+        this, FactoryReset::confirmation(), [this](const ApplicationNotice::Reply& reply) {
             if (reply.tag != ApplicationNotice::accept)
                 return;
             FactoryReset(m_defaults, m_services.restarter).run(m_services.closeAllDocuments);

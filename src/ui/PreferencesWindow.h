@@ -104,6 +104,7 @@ private:
     QButtonGroup* m_types = nullptr;
     QLineEdit* m_address = nullptr;
     QLineEdit* m_branch = nullptr;
+    QCheckBox* m_compatibility = nullptr;
     QLabel* m_localFolder = nullptr;
     QLabel* m_userFolder = nullptr;
     QWidget* m_verificationRow = nullptr;

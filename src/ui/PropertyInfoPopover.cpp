@@ -37,21 +37,40 @@ QString cellText(const AvailabilityItem::Cell& cell) {
 } // namespace
 
 PropertyInfoPopover::PropertyInfoPopover(const InfoPanelViewModel& model, QWidget* parent)
+    : PropertyInfoPopover(QList<InfoPanelViewModel>{model}, parent) {}
+
+PropertyInfoPopover::PropertyInfoPopover(const QList<InfoPanelViewModel>& models, QWidget* parent)
     : QFrame(parent, Qt::Popup)
-    , m_model(model) {
+    , m_models(models) {
+    Q_ASSERT(!models.isEmpty());
     setObjectName(QStringLiteral("PropertyInfoPopover"));
     setAttribute(Qt::WA_DeleteOnClose);
     setFrameShape(QFrame::StyledPanel);
     auto* layout = new QVBoxLayout(this);
+    for (const InfoPanelViewModel& model : models) {
+        if (&model != &models.front()) {
+            auto* rule = new QFrame(this);
+            rule->setFrameShape(QFrame::HLine);
+            layout->addWidget(rule);
+        }
+        addPanel(*layout, model);
+    }
+    // Wrapping labels alone would squeeze a pop-up to a narrow column; the
+    // widths follow the font so that a larger scale reads the same.
+    setMinimumWidth(fontMetrics().averageCharWidth() * 36);
+    setMaximumWidth(fontMetrics().averageCharWidth() * 70);
+}
+
+void PropertyInfoPopover::addPanel(QVBoxLayout& layout, const InfoPanelViewModel& model) {
     if (model.title) {
         auto* title = wrappingLabel(*model.title, this);
         QFont bold = title->font();
         bold.setBold(true);
         title->setFont(bold);
-        layout->addWidget(title);
+        layout.addWidget(title);
     }
     if (model.descriptionText)
-        layout->addWidget(wrappingLabel(*model.descriptionText, this));
+        layout.addWidget(wrappingLabel(*model.descriptionText, this));
     auto* form = new QFormLayout;
     addRow(*form, QString(), model.name);
     addRow(*form, QString(), model.type);
@@ -64,21 +83,17 @@ PropertyInfoPopover::PropertyInfoPopover(const InfoPanelViewModel& model, QWidge
         form->addRow(InfoPanelViewModel::allowedValuesLabel(), allowed);
     }
     addRow(*form, InfoPanelViewModel::sharedIPadBehaviorLabel(), model.sharedIPadBehavior);
-    layout->addLayout(form);
+    layout.addLayout(form);
     if (model.availabilityTable && !model.availabilityTable->isEmpty())
-        layout->addWidget(makeAvailabilityTable());
+        layout.addWidget(makeAvailabilityTable(model));
     if (model.note)
-        layout->addWidget(wrappingLabel(*model.note, this));
+        layout.addWidget(wrappingLabel(*model.note, this));
     if (model.documentationURL) {
         auto* button = new QPushButton(InfoPanelViewModel::documentationButtonTitle(), this);
         const QUrl url = *model.documentationURL;
         connect(button, &QPushButton::clicked, this, [url] { QDesktopServices::openUrl(url); });
-        layout->addWidget(button, 0, Qt::AlignLeft);
+        layout.addWidget(button, 0, Qt::AlignLeft);
     }
-    // Wrapping labels alone would squeeze a pop-up to a narrow column; the
-    // widths follow the font so that a larger scale reads the same.
-    setMinimumWidth(fontMetrics().averageCharWidth() * 36);
-    setMaximumWidth(fontMetrics().averageCharWidth() * 70);
 }
 
 void PropertyInfoPopover::addRow(QFormLayout& form, const QString& label,
@@ -92,21 +107,21 @@ void PropertyInfoPopover::addRow(QFormLayout& form, const QString& label,
         form.addRow(label, value);
 }
 
-QWidget* PropertyInfoPopover::makeAvailabilityTable() const {
+QWidget* PropertyInfoPopover::makeAvailabilityTable(const InfoPanelViewModel& model) {
     auto* table = new QWidget;
     table->setObjectName(QStringLiteral("availabilityTable"));
     auto* grid = new QGridLayout(table);
     grid->setContentsMargins(0, 0, 0, 0);
-    for (int column = 0; column < m_model.availabilityColumns.size(); ++column) {
-        const auto model = m_model.availabilityColumns.at(column);
-        grid->addWidget(new QLabel(PFMSupportedPlatforms::displayName(model)), 0, column + 1,
+    for (int column = 0; column < model.availabilityColumns.size(); ++column) {
+        const auto platform = model.availabilityColumns.at(column);
+        grid->addWidget(new QLabel(PFMSupportedPlatforms::displayName(platform)), 0, column + 1,
                         Qt::AlignHCenter);
     }
     int row = 1;
-    for (const AvailabilityItem& item : *m_model.availabilityTable) {
+    for (const AvailabilityItem& item : *model.availabilityTable) {
         grid->addWidget(new QLabel(item.qualifier), row, 0);
-        for (int column = 0; column < m_model.availabilityColumns.size(); ++column) {
-            const auto value = item.values.find(m_model.availabilityColumns.at(column));
+        for (int column = 0; column < model.availabilityColumns.size(); ++column) {
+            const auto value = item.values.find(model.availabilityColumns.at(column));
             if (value == item.values.end())
                 continue;
             auto* cell = new QLabel(cellText(value->second));

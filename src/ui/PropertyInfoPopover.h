@@ -5,6 +5,7 @@
 #include <QFrame>
 
 class QFormLayout;
+class QVBoxLayout;
 
 namespace quorlin {
 
@@ -16,16 +17,20 @@ class PropertyInfoPopover : public QFrame {
 
 public:
     explicit PropertyInfoPopover(const InfoPanelViewModel& model, QWidget* parent = nullptr);
+    // One panel after the other: a section of several domains shows each.
+    explicit PropertyInfoPopover(const QList<InfoPanelViewModel>& models, QWidget* parent = nullptr);
 
-    const InfoPanelViewModel& model() const { return m_model; }
+    const InfoPanelViewModel& model() const { return m_models.front(); }
+    const QList<InfoPanelViewModel>& models() const { return m_models; }
     // Shows it below `anchor`, kept on the anchor's screen.
     void showBelow(QWidget* anchor);
 
 private:
+    void addPanel(QVBoxLayout& layout, const InfoPanelViewModel& model);
     void addRow(QFormLayout& form, const QString& label, const std::optional<QString>& text);
-    QWidget* makeAvailabilityTable() const;
+    static QWidget* makeAvailabilityTable(const InfoPanelViewModel& model);
 
-    InfoPanelViewModel m_model;
+    QList<InfoPanelViewModel> m_models;
 };
 
 } // namespace quorlin

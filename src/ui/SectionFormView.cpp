@@ -166,12 +166,14 @@ void SectionFormView::refresh() {
 }
 
 PropertyInfoPopover* SectionFormView::openSectionInfo() {
-    const auto domain = m_form.section().primaryDomain();
-    if (!domain)
+    QList<InfoPanelViewModel> panels;
+    for (const auto& domain : m_form.section().domains())
+        panels.append(InfoPanelViewModel::make(*domain));
+    if (panels.isEmpty())
         return nullptr;
     if (m_popover)
         m_popover->close();
-    m_popover = new PropertyInfoPopover(InfoPanelViewModel::make(*domain), this);
+    m_popover = new PropertyInfoPopover(panels, this);
     m_popover->showBelow(m_infoButton);
     return m_popover;
 }

@@ -232,6 +232,33 @@ std::optional<QString> PFMSection::note() const {
     return std::nullopt;
 }
 
+namespace {
+// A domain needs supervision where its extended record says so, and on all
+// its platforms when it requires supervision as a whole.
+bool domainSupervisedOn(const PFMDomain& domain, Model model) {
+    if (domain.requiresSupervision())
+        return domain.supportedPlatforms() && domain.supportedPlatforms()->contains(model);
+    const PFMXSupportedOS* record =
+        domain.supportedOSes() ? domain.supportedOSes()->supportedOS(model) : nullptr;
+    return record && record->supervised.value_or(false);
+}
+} // namespace
+
+std::optional<QString> PFMSection::supervisionRequiredString() const {
+    QStringList platforms;
+    for (const Model model : PFMSupportedPlatforms::allModels) {
+        if (std::any_of(m_domains.begin(), m_domains.end(),
+                        [&](const DomainPointer& domain) { return domainSupervisedOn(*domain, model); }))
+            platforms.append(PFMSupportedPlatforms::displayName(model));
+    }
+    const bool required = std::any_of(m_domains.begin(), m_domains.end(), [](const DomainPointer& domain) {
+        return domain->requiresSupervision();
+    });
+    if (platforms.isEmpty())
+        return required ? std::optional(QStringLiteral("Supervision required")) : std::nullopt;
+    return QStringLiteral("Supervision required on %1").arg(Utilities::joinedTermSeries(platforms, false));
+}
+
 QStringList PFMSection::allowedFileExtensions() const {
     QStringList extensions;
     if (!m_sectionProperties.fileBasedPayload)

@@ -66,6 +66,9 @@ public:
     bool supportsIOS() const;
     bool supportsTvOS() const;
     std::optional<QString> note() const;
+    // "Supervision required on iOS and macOS", or without platforms when the
+    // domains don't say where; nothing when no domain needs supervision.
+    std::optional<QString> supervisionRequiredString() const;
     QStringList allowedFileExtensions() const;
 
     void setValidationSettings(const std::weak_ptr<const ValidationSettings>& settings);

@@ -43,6 +43,7 @@ protected:
             keyTree("Mixed", "array",
                     {{"pfm_subkeys", plist::Array{itemTree("string"), itemTree("integer")}}}),
             keyTree("Hidden", "string", {{"pfm_quorlin_user_visible", false}}),
+            keyTree("Fixed", "string", {{"pfm_quorlin_user_editable", false}, {"pfm_default", "f"}}),
         };
         const auto domain =
             PFMDomain::make(manifestTree("com.example.fields", keys,
@@ -106,6 +107,12 @@ TEST_F(FieldModelTest, TheRequiredMarkerAndEnablingFollowTheRules) {
     EXPECT_EQ(changes, 1);
     EXPECT_FALSE(locked->isEnabled());
     EXPECT_FALSE(locked->validateMenuItem(Action::forceEmptyValue));
+
+    const auto fixed = field("Fixed");
+    EXPECT_FALSE(fixed->isEnabled());
+    for (const Action action :
+         {Action::unsetOnPayload, Action::setPropertyToDefaultValue, Action::forceEmptyValue})
+        EXPECT_FALSE(fixed->validateMenuItem(action));
 
     FieldDisplaySettings settings;
     settings.showRequirementTag = false;

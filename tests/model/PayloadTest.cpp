@@ -27,7 +27,7 @@ plist::Array identityKeys(const std::optional<QString>& identifierDefault) {
 std::shared_ptr<ProfileEnvironment> environmentWith(std::optional<QString> prefix,
                                                     std::optional<QString> host) {
     auto environment = makeTestEnvironment();
-    environment->identifierPrefix = std::move(prefix);
+    environment->identifierPrefix = [prefix] { return prefix; };
     environment->hostName = std::move(host);
     return environment;
 }

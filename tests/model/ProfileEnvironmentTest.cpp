@@ -35,11 +35,14 @@ TEST(ProfileEnvironmentTest, PreferencesComeFromTheDefaultsAndEmptyOnesCountAsUn
     defaults.set(DefaultsKey::preferencesDefaultsSigningIdentity, plist::Value(7));
 
     const auto environment = ProfileEnvironment::makeFromDefaults(defaults);
-    EXPECT_EQ(environment->identifierPrefix, QStringLiteral("com.example"));
     EXPECT_EQ(environment->organizationName, QStringLiteral("Example Org"));
     EXPECT_FALSE(environment->consentText);
     EXPECT_FALSE(environment->signingIdentity);
     EXPECT_EQ(environment->defaultIdentifier(QStringLiteral("U")), QStringLiteral("com.example.U"));
+
+    // The prefix is read when an identifier is made, not when the profile was.
+    defaults.set(DefaultsKey::identifierPrefix, plist::Value("org.changed"));
+    EXPECT_EQ(environment->defaultIdentifier(QStringLiteral("U")), QStringLiteral("org.changed.U"));
 }
 
 } // namespace

@@ -45,9 +45,9 @@ public:
     void profileDidChange(Profile&, Payload*, PreferenceKey* key) override {
         changes.append(key ? key->name() : QStringLiteral("<payload>"));
     }
-    void profileRemovalPasswordPayloadCountDidChange(Profile&) override { ++removals; }
+    void profileRemovalPasswordPayloadCountDidChange(Profile&) override { ++removalPasswordCountChanges; }
     QStringList changes;
-    int removals = 0;
+    int removalPasswordCountChanges = 0;
 };
 
 class ProfileTest : public ::testing::Test {
@@ -216,10 +216,11 @@ TEST_F(ProfileTest, RemovalPasscodeAndItsPayloadFollowEachOther) {
     ASSERT_EQ(profile->configurationPayloads().size(), 1);
     EXPECT_EQ(profile->configurationPayloads().first()->domainPrototype().domainString(),
               "com.apple.profileRemovalPassword");
+    EXPECT_EQ(delegate->removalPasswordCountChanges, 1);
 
     passcode->setValue(plist::Value(false));
     EXPECT_TRUE(profile->configurationPayloads().isEmpty());
-    EXPECT_EQ(delegate->removals, 1);
+    EXPECT_EQ(delegate->removalPasswordCountChanges, 2);
 
     const auto added = profile->addPayload(fixtureDomain("removal-password"));
     EXPECT_EQ(*passcode->value().plistValue(), plist::Value(true));

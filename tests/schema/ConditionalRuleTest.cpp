@@ -102,7 +102,7 @@ TEST(ConditionalRule, ExclusionsReadTheDisablingFlagAndNeverARequireStatus) {
 
 TEST(ConditionalRule, KeepsReadableConditionsAndFailsWithoutAny) {
     const auto rule = PFMConditionalPrototype::make(
-        ruleTree({Dictionary{{"pfm_target", "A"}}, Dictionary{{"pfm_present", true}}, "not a condition",
+        ruleTree({Dictionary{{"pfm_target", "A"}}, Dictionary{{"pfm_present", true}},
                   Dictionary{{"pfm_target", "B"}, {"pfm_range_list", "x"}},
                   Dictionary{{"pfm_target", "Server.Port"}, {"pfm_range_list", Array{443}}},
                   Dictionary{{"pfm_target", "Server.Port"}, {"pfm_n_range_list", Array{80}}},
@@ -115,6 +115,7 @@ TEST(ConditionalRule, KeepsReadableConditionsAndFailsWithoutAny) {
     EXPECT_EQ(rule->targetPaths(), (QSet<QString>{"Server.Port", "Mode"}));
 
     EXPECT_FALSE(PFMConditionalPrototype::make(ruleTree({Dictionary{{"pfm_target", "A"}}}), false));
+    EXPECT_FALSE(PFMConditionalPrototype::make(ruleTree({presentCondition, "not a condition"}), false));
     EXPECT_FALSE(PFMConditionalPrototype::make(ruleTree({}), true));
     EXPECT_FALSE(
         PFMConditionalPrototype::make(Dictionary{{"pfm_target_conditions", presentCondition}}, false));

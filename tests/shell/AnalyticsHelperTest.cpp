@@ -1,8 +1,15 @@
 #include "RecordingAnalyticsSink.h"
 
+#include "plist/DefaultsKey.h"
+#include "plist/UserDefaults.h"
 #include "shell/AnalyticsHelper.h"
 #include "shell/AnalyticsIntegration.h"
+#include "shell/AuditLogAnalyticsSink.h"
 #include "support/TestSupport.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -95,4 +102,27 @@ TEST(AnalyticsIntegration, SendsNothingBeforeItIsStarted) {
     analytics.setup(QStringLiteral("00000000-0000-0000-0000-000000000001"));
     analytics.setup(QStringLiteral("00000000-0000-0000-0000-000000000002"));
     EXPECT_EQ(sink->secrets, QStringList{"00000000-0000-0000-0000-000000000001"});
+}
+
+TEST(AuditLogAnalyticsSink, WritesALineForEachEventOnlyWhileTheAdministratorWantsIt) {
+    QTemporaryDir folder;
+    UserDefaults defaults(folder.filePath(QStringLiteral("defaults.plist")));
+    const QString log = folder.filePath(QStringLiteral("data/audit.log"));
+    AuditLogAnalyticsSink sink(defaults, log);
+    sink.trackEvent(AnalyticsHelper::payloadSaved, {{QStringLiteral("DomainString"), kVpn}});
+    EXPECT_FALSE(QFileInfo::exists(log)) << "off unless set";
+
+    defaults.set(DefaultsKey::analyticsAuditLogEnabled, true);
+    sink.trackEvent(AnalyticsHelper::payloadLoaded, {{QStringLiteral("DomainString"), kWiFi}});
+    sink.trackEvent(AnalyticsHelper::payloadAdded, {{QStringLiteral("DomainString"), kVpn}});
+    defaults.set(DefaultsKey::analyticsAuditLogEnabled, false);
+    sink.trackEvent(AnalyticsHelper::payloadSaved, {{QStringLiteral("DomainString"), kVpn}});
+
+    const QStringList lines = QString::fromUtf8(test::readFile(log)).split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    const QStringList fields = lines.first().split(u'\t');
+    ASSERT_EQ(fields.size(), 3);
+    EXPECT_TRUE(QDateTime::fromString(fields[0], Qt::ISODate).isValid()) << fields[0].toStdString();
+    EXPECT_EQ(fields.mid(1), (QStringList{AnalyticsHelper::payloadLoaded, "DomainString=" + kWiFi}));
+    EXPECT_TRUE(lines.last().endsWith(AnalyticsHelper::payloadAdded + "\tDomainString=" + kVpn));
 }

@@ -83,6 +83,7 @@ TEST(ManifestRepositorySettingsTest, StoredSettingsReadBackAndOnlyTheDefaultsAre
     EXPECT_FALSE(settings.selectedRepositoryIsNonStandard()) << "the factory settings";
 
     settings.type = "local";
+    settings.maximizeNonStandardManifestCompatibility = false;
     settings.localRepositoryPath = folder.path();
     settings.userManifestFolder = folder.path();
     settings.store(defaults);
@@ -103,7 +104,7 @@ TEST(ManifestRepositorySettingsTest, StoredSettingsReadBackAndOnlyTheDefaultsAre
           Case{"online", address, "other", true}, Case{"online", address, "", true},
           Case{"online", "https://github.com/someone/else", branch, true},
           Case{"local", address, branch, true}}) {
-        const ManifestRepositorySettings entered{c.type, c.address, c.branch, {}, {}};
+        const ManifestRepositorySettings entered{c.type, c.address, c.branch, true, {}, {}};
         EXPECT_EQ(entered.selectedRepositoryIsNonStandard(), c.nonStandard)
             << c.type.toStdString() << " " << c.address.toStdString();
     }
@@ -128,8 +129,8 @@ TEST(FactoryResetRunTest, RestartsOnlyOnceEveryDocumentClosedAndTheDataIsGone) {
     ASSERT_TRUE(QDir().mkpath(store));
     RecordingRestarter restarter;
     FactoryReset reset(defaults, restarter);
-    EXPECT_TRUE(FactoryReset::confirmation("Quorlin Profile Editor")
-                    .informativeText.endsWith("reset Quorlin Profile Editor to its factory state now?"));
+    EXPECT_TRUE(FactoryReset::confirmation().informativeText.endsWith(
+        "reset Quorlin Profile Editor to its factory state now?"));
 
     // A document the user keeps open stops it all.
     reset.run([](const std::function<void(bool)>& done) { done(false); });

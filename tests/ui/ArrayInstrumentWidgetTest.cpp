@@ -145,6 +145,29 @@ TEST_F(ArrayInstrumentWidgetTest, StringsAreAddedTypedRemovedAndUndone) {
     EXPECT_EQ(view().rowCount(), 1);
 }
 
+TEST_F(ArrayInstrumentWidgetTest, TabPastTheLastCellAddsARowAndDuplicateHasItsButton) {
+    showTable(domainsDomain, QStringLiteral("EmailDomains"));
+    QTest::mouseClick(&button("addRowButton"), Qt::LeftButton);
+    auto* first = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(first);
+    QTest::keyClicks(first, QStringLiteral("first.example"));
+    QTest::keyClick(first, Qt::Key_Tab);
+    const QPointer<QLineEdit> closed(first);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        return view().rowCount() == 2 && editor && editor != closed.data();
+    }));
+    typeIntoOpenEditor(QStringLiteral("second.example"));
+    EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
+              plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example")}));
+
+    selectViewRow(0);
+    QTest::mouseClick(&button("duplicateRowButton"), Qt::LeftButton);
+    EXPECT_EQ(writtenValue(domainsDomain, QStringLiteral("EmailDomains")),
+              plist::Value(plist::Array{QStringLiteral("first.example"), QStringLiteral("second.example"),
+                                        QStringLiteral("first.example")}));
+}
+
 TEST_F(ArrayInstrumentWidgetTest, SortedViewEditsAndRemovesTheRightItems) {
     showTable(loginItemsDomain, loginItemsKey);
     const QByteArray before = bytes();

@@ -1,6 +1,7 @@
 #include "EditorTestSupport.h"
 
 #include "plist/DefaultsKey.h"
+#include "plist/Utilities.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
@@ -13,10 +14,12 @@
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
 #include "workspace/SectionArrayController.h"
+#include "model/ModelTestSupport.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -221,6 +224,60 @@ TEST_F(DocumentWindowTest, RemovingAsksWhichOnlyAmongSeveral) {
     window->undoAction()->trigger();
     EXPECT_EQ(profileBytes(*window->document().profile()), opened);
     EXPECT_FALSE(window->document().isDocumentEdited());
+}
+
+TEST_F(DocumentWindowTest, SectionsFollowPayloadsTheProfileMakesAndFileSectionsNameWhatTheyTake) {
+    // The payload the profile adds to follow "HasRemovalPasscode" shows in its section, and goes with it.
+    auto made = std::make_unique<ProfileDocument>(fixtureDomains(), makeTestEnvironment(), defaults);
+    ASSERT_TRUE(made->readFromData({}) && made->makeWindowControllers());
+    DocumentWindow passcodeWindow(std::move(made), fixtureDomains(), defaults, nullptr);
+    PFMSection* password = nullptr;
+    for (PFMSection* section : passcodeWindow.sections().content()) {
+        if (section->domains().contains(QStringLiteral("com.apple.profileRemovalPassword")))
+            password = section;
+    }
+    ASSERT_TRUE(password);
+    const auto passcode =
+        passcodeWindow.document().profile()->rootPayload()->keyAtPath(QStringLiteral("HasRemovalPasscode"));
+    ASSERT_TRUE(passcode);
+    passcodeWindow.history().setValue(passcode, plist::Value(true), QStringLiteral("HasRemovalPasscode"));
+    EXPECT_EQ(password->payloadsConfigured(), 1);
+    EXPECT_TRUE(password->sectionViewController());
+    passcodeWindow.undoAction()->trigger();
+    EXPECT_EQ(password->payloadsConfigured(), 0);
+    EXPECT_FALSE(password->sectionViewController());
+
+    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    ASSERT_TRUE(window);
+    PFMSection* fileBased = nullptr;
+    for (PFMSection* section : window->sections().content()) {
+        if (!fileBased && !section->allowedFileExtensions().isEmpty())
+            fileBased = section;
+    }
+    ASSERT_TRUE(fileBased);
+
+    // The file panel lists the extensions; a file it can't take gets the section's words.
+    window->addPayload(*fileBased);
+    auto* panel = window->findChild<QFileDialog*>();
+    ASSERT_TRUE(panel);
+    QStringList extensions;
+    for (const QString& extension : fileBased->allowedFileExtensions())
+        extensions << "." + extension;
+    EXPECT_EQ(panel->windowTitle(), QStringLiteral("Select a %1 to add to the configuration profile (%2)")
+                                        .arg(fileBased->sectionProperties().title.toLower(),
+                                             Utilities::joinedTermSeries(extensions, true)));
+    const QString empty = path(QStringLiteral("empty.") + fileBased->allowedFileExtensions().first());
+    QFile emptyFile(empty);
+    ASSERT_TRUE(emptyFile.open(QIODevice::WriteOnly));
+    emptyFile.close();
+    Q_EMIT panel->fileSelected(empty);
+    auto* notice = waitForWidget<QMessageBox>(WindowNoticePresenter::errorObjectName);
+    ASSERT_TRUE(notice);
+    EXPECT_EQ(notice->text(), QStringLiteral("File incompatible"));
+    EXPECT_EQ(notice->informativeText(),
+              QStringLiteral("The selected file is not the right type for this configuration section."));
+    notice->close();
+    panel->close();
 }
 
 } // namespace

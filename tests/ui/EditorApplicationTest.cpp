@@ -2,12 +2,19 @@
 
 #include "EditorTestSupport.h"
 #include "RepositoryUiFixtures.h"
+#include "plist/DefaultsKey.h"
+#include "shell/AuditLogAnalyticsSink.h"
+#include "shell/QuorlinPreferencesHelper.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
 #include "ui/ManifestUpdatesWindow.h"
 #include "ui/PreferencesWindow.h"
 #include "workspace/PFMSection.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -203,6 +210,50 @@ TEST_F(EditorApplicationTest, QuittingAsksEachEditedDocumentAndCancelStops) {
     EXPECT_EQ(m_terminations, 1);
 }
 
+TEST_F(EditorApplicationTest, DocumentsReportTheirBundledPayloadsToTheLocalAuditLogOnlyWhenItIsOn) {
+    launch();
+    DocumentWindow& window = onlyWindow();
+    PFMSection* browser = nullptr;
+    for (PFMSection* section : window.sections().content()) {
+        if (section->domains().contains(QStringLiteral("com.example.browser")))
+            browser = section;
+    }
+    ASSERT_TRUE(browser);
+    const QString log = AuditLogAnalyticsSink::standardFilePath();
+    window.addPayload(*browser);
+    EXPECT_FALSE(QFile::exists(log)) << "nothing is kept unless asked for";
+
+    m_defaults.set(DefaultsKey::analyticsAuditLogEnabled, true);
+    window.addPayload(*browser);
+    QFile file(log);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(
+        QString::fromUtf8(file.readAll()).endsWith("\tPayload added\tDomainString=com.example.browser\n"));
+}
+
+TEST_F(EditorApplicationTest, TheLibraryCommandIsThereOnlyWithTheSiblingProductsLibraryAndSavesInIt) {
+    launch();
+    onlyWindow().updateCommandStates();
+    EXPECT_FALSE(onlyWindow().saveToQuorlinLibraryAction()->isVisible());
+
+    // The sibling product's preference file names its library.
+    const QString profiles = m_folder.filePath("Quorlin Library/Profiles");
+    ASSERT_TRUE(QDir().mkpath(profiles));
+    const QString preferences = QuorlinPreferencesHelper::standardPreferencesFilePath();
+    ASSERT_TRUE(writeManifest(preferences, {{"LibraryPath", m_folder.filePath("Quorlin Library")}}));
+    m_application = std::make_unique<EditorApplication>(m_defaults);
+    launch();
+    DocumentWindow& window = onlyWindow();
+    window.updateCommandStates();
+    ASSERT_TRUE(window.saveToQuorlinLibraryAction()->isVisible());
+    window.saveToQuorlinLibraryAction()->trigger();
+    const auto identifier = window.document().profile()->payloadIdentifier();
+    ASSERT_TRUE(identifier);
+    EXPECT_EQ(window.document().filePath(), profiles + "/" + *identifier + ".mobileconfig");
+    EXPECT_TRUE(QFileInfo::exists(profiles + "/" + *identifier + ".mobileconfig"));
+    EXPECT_FALSE(window.document().isDocumentEdited());
+}
+
 TEST_F(EditorApplicationTest, OpenPreferencesHoldTheProgramAndAreAskedBeforeItEnds) {
     launch();
     // The last document window closes while the preferences show: the program stays.
@@ -216,12 +267,17 @@ TEST_F(EditorApplicationTest, OpenPreferencesHoldTheProgramAndAreAskedBeforeItEn
     // Entries that can't pass keep the window and the program.
     click(preferences, "onlineTypeButton");
     type(preferences, "onlineAddressTextField", "https://example.com/not/github");
+    DocumentWindow* kept = documents().newDocument();
     m_application->quit();
     QCoreApplication::processEvents();
     EXPECT_EQ(m_terminations, 0);
     EXPECT_TRUE(preferences->isVisible());
+    // The preferences are asked before any document closes.
+    EXPECT_EQ(documents().windows(), QList<DocumentWindow*>{kept});
     while (m_notices.waiting())
         m_notices.answer(ApplicationNotice::accept);
+    kept->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return documents().windows().isEmpty(); }));
 
     // Back to the stored settings, closing the last window ends the program.
     click(preferences, "bundledTypeButton");

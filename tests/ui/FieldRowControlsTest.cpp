@@ -23,7 +23,9 @@
 #include <QContextMenuEvent>
 #include <QDateTimeEdit>
 #include <QDesktopServices>
+#include <QEnterEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -50,7 +52,8 @@ plist::Dictionary key(const QString& name, const QString& type, plist::Dictionar
 std::shared_ptr<const PFMDomain> controlsDomain() {
     const plist::Array keys{
         key(QStringLiteral("Count"), QStringLiteral("integer")),
-        key(QStringLiteral("Name"), QStringLiteral("string")),
+        key(QStringLiteral("Name"), QStringLiteral("string"),
+            {{QStringLiteral("pfm_quorlin_documentation_url"), QStringLiteral("https://example.com/name")}}),
         key(QStringLiteral("Notes"), QStringLiteral("string"),
             {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("text")}}),
         key(QStringLiteral("Colour"), QStringLiteral("string"),
@@ -232,6 +235,35 @@ TEST_F(ControlsForm, TheShortcutOpensTheInformationOfTheFocusedRowWhoseButtonIsN
         EXPECT_TRUE(button->toolTip().contains(
             FieldRowView::propertyInfoShortcut().toString(QKeySequence::NativeText)));
     }
+}
+
+TEST_F(ControlsForm, TheInfoButtonShowsOnHoverAndTheDetailsEndWithTheDocumentation) {
+    FieldRowView* name = row(QStringLiteral("Name"));
+    auto* info = name->findChild<QToolButton*>(QStringLiteral("propertyInfoButton"));
+    EXPECT_FALSE(info->isVisible());
+    const QPointF inside(4, 4);
+    QEnterEvent enter(inside, inside, name->mapToGlobal(inside));
+    QApplication::sendEvent(name, &enter);
+    EXPECT_TRUE(info->isVisible());
+    PropertyInfoPopover* popover = name->openPropertyInfo();
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(name, &leave);
+    EXPECT_TRUE(info->isVisible()) << "it lingers while its popover is open";
+    popover->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !info->isVisible(); }));
+
+    FieldDisplaySettings settings;
+    view.setFieldDisplaySettings(settings);
+    // A check box row with nothing below it keeps close to the next; details open it up.
+    FieldRowView* enabled = row(QStringLiteral("Enabled"));
+    EXPECT_EQ(enabled->layout()->contentsMargins().bottom(), 1);
+    settings.showPropertyDocumentationButton = true;
+    settings.showFieldName = true;
+    view.setFieldDisplaySettings(settings);
+    EXPECT_EQ(enabled->layout()->contentsMargins().bottom(), 16);
+    auto* documentation = name->findChild<QToolButton*>(QStringLiteral("documentationButton"));
+    ASSERT_NE(documentation, nullptr);
+    EXPECT_EQ(documentation->parentWidget()->objectName(), QStringLiteral("fieldDetails"));
 }
 
 TEST_F(ControlsForm, EveryControlKeepsItsWholeHeightWhenTheFontDoubles) {

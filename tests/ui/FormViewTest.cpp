@@ -6,6 +6,7 @@
 #include "documents/ProfileSigningBridge.h"
 #include "documents/SigningFixture.h"
 #include "fields/FieldViewController.h"
+#include "schema/SchemaTrees.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
@@ -22,6 +23,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -169,6 +171,9 @@ TEST(FormView, ASearchBadgesItsGroupsAndMarksTheTermInTheRowsWithoutRebuildingTh
     PayloadFormView& payload = *window.view.sectionFormView()->payloadViews().first();
     const std::vector<QWidget*> rowsBefore = payload.rows();
     ASSERT_FALSE(payload.groupButtons().isEmpty());
+    // The notice of unfamiliar properties, when there is one, stands above the groups.
+    QWidget* notice = payload.unfamiliarNotice()->parentWidget();
+    EXPECT_EQ(notice->parentWidget()->layout()->indexOf(notice), 0);
 
     for (const QString& term :
          {QStringLiteral("cert"), QStringLiteral("o"), QStringLiteral("no such words")}) {
@@ -314,11 +319,20 @@ TEST_F(ExclusionForm, TheInfoButtonsOpenTheInformationOfTheKeyAndOfTheSectionWit
     EXPECT_TRUE(texts.contains(host->field().field()->prototype().title()));
     popover->close();
 
+    // A section of two domains tells of both.
+    section->addDomain(
+        PFMDomain::make(manifestTree("com.example.proxy.legacy", {}, {{"pfm_title", "Proxy"}})));
     SectionFormView* form = window.view.sectionFormView();
     PropertyInfoPopover* sectionInfo = form->openSectionInfo();
     ASSERT_NE(sectionInfo, nullptr);
-    EXPECT_FALSE(sectionInfo->model().presence.has_value());
-    EXPECT_EQ(sectionInfo->model().title, section->primaryDomain()->title());
+    QStringList names;
+    for (const InfoPanelViewModel& panel : sectionInfo->models()) {
+        EXPECT_FALSE(panel.presence.has_value());
+        EXPECT_EQ(panel.title, QStringLiteral("Proxy"));
+        names << panel.name.value_or(QString());
+    }
+    EXPECT_EQ(names, QStringList(section->domains().keys()));
+    EXPECT_EQ(names.size(), 2);
     sectionInfo->close();
 }
 

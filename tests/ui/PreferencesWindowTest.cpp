@@ -122,6 +122,10 @@ TEST_F(PreferencesWindowTest, OnlineSettingsAreStoredOnlyOnceTheServerAnswers) {
 
     // A branch the server doesn't have fails with the words of the check.
     enterOnline(address, "other");
+    auto* compatibility = find<QCheckBox>("maximizeCompatibilityCheckbox");
+    const bool compatible = compatibility->isChecked();
+    compatibility->click();
+    EXPECT_FALSE(m_defaults.hasPersistentValue(DefaultsKey::maximizeNonStandardManifestCompatibility));
     click("verifyButton");
     EXPECT_TRUE(m_window->isValidatingRepositorySettings());
     EXPECT_TRUE(find<QProgressBar>("verificationProgress")->isVisible());
@@ -133,10 +137,12 @@ TEST_F(PreferencesWindowTest, OnlineSettingsAreStoredOnlyOnceTheServerAnswers) {
     // Reverting brings back the stored settings.
     m_notices.answer(ApplicationNotice::revert);
     EXPECT_EQ(m_window->viewManifestRepositorySettings(), ManifestRepositorySettings::read(m_defaults));
+    EXPECT_EQ(compatibility->isChecked(), compatible);
     EXPECT_EQ(changes.count(), 0);
 
     // The right branch verifies and is stored.
     enterOnline(address, branch);
+    compatibility->click();
     m_server.clearRequestedPaths();
     click("verifyButton");
     ASSERT_TRUE(QTest::qWaitFor([&] { return changes.count() == 1; }, 20000));
@@ -146,6 +152,7 @@ TEST_F(PreferencesWindowTest, OnlineSettingsAreStoredOnlyOnceTheServerAnswers) {
     EXPECT_EQ(stored.string(DefaultsKey::manifestRepositoryType), "online");
     EXPECT_EQ(stored.string(DefaultsKey::onlineManifestRepositoryAddress), address);
     EXPECT_EQ(stored.string(DefaultsKey::onlineManifestRepositoryBranchName), branch);
+    EXPECT_EQ(stored.boolean(DefaultsKey::maximizeNonStandardManifestCompatibility), !compatible);
 
     // Unchanged settings are not verified again.
     m_server.clearRequestedPaths();
@@ -236,6 +243,8 @@ TEST_F(PreferencesWindowTest, FactoryResetAsksThenClosesDocumentsRemovesEverythi
     EXPECT_TRUE(m_notices.waiting()->notice.informativeText.startsWith(
         "Resetting will close all profiles, remove all user-set preferences, clear downloaded manifests, and "
         "restart the app."));
+    EXPECT_TRUE(m_notices.waiting()->notice.informativeText.endsWith(
+        "reset Quorlin Profile Editor to its factory state now?"));
     m_notices.answer(ApplicationNotice::dismiss);
     EXPECT_EQ(m_closeRequests, 0);
 

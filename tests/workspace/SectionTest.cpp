@@ -113,6 +113,7 @@ TEST(SectionStrings, NamePlatformsAndSupervision) {
     EXPECT_TRUE(section.supportsIOS());
     EXPECT_FALSE(section.supportsMacOS());
     EXPECT_TRUE(section.searchKeywords().isEmpty());
+    EXPECT_FALSE(section.supervisionRequiredString());
 
     const auto supervised =
         domain(QStringLiteral("com.example.b"), QStringLiteral("A"), QStringLiteral("system"),
@@ -123,6 +124,15 @@ TEST(SectionStrings, NamePlatformsAndSupervision) {
     EXPECT_TRUE(section.supportsMacOS());
     // Searching for the word finds sections with supervised content.
     EXPECT_TRUE(PFMSection(supervised).searchKeywords().contains(QStringLiteral("Supervised")));
+    EXPECT_EQ(section.supervisionRequiredString(), QStringLiteral("Supervision required on macOS"));
+    section.addDomain(domain(
+        QStringLiteral("com.example.c"), QStringLiteral("A"), QStringLiteral("system"),
+        {{QStringLiteral("pfmx_supported_oses"),
+          plist::Dictionary{
+              {QStringLiteral("iOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "5.0"},
+                                                        {QStringLiteral("pfmx_supervised"), true}}},
+              {QStringLiteral("tvOS"), plist::Dictionary{{QStringLiteral("pfmx_introduced"), "9.0"}}}}}}));
+    EXPECT_EQ(section.supervisionRequiredString(), QStringLiteral("Supervision required on iOS and macOS"));
 }
 
 TEST(UnfamiliarSections, OneRowPerUnknownTypeCountingItsPayloads) {
