@@ -1,6 +1,7 @@
 #include "documents/DocumentNotice.h"
 
 #include "documents/DocumentErrorWords.h"
+#include "documents/EnvelopeWords.h"
 #include "plist/DefaultsKey.h"
 
 namespace quorlin {
@@ -18,7 +19,38 @@ DocumentNotice informational(DocumentNotice::Kind kind, const QString& title, co
             DocumentErrorWords::doNotShowAgain};
 }
 
+// Encryption notices can't be silenced: what they say differs with each file.
+DocumentNotice unsilenced(DocumentNotice::Kind kind, const QString& title, const QString& text) {
+    return {kind,
+            DocumentNotice::Style::informational,
+            title,
+            text,
+            {{DocumentErrorWords::okReply, 1, DocumentNotice::KeyEquivalent::returnKey}},
+            {},
+            {}};
+}
+
 } // namespace
+
+DocumentNotice DocumentNotice::payloadsEncrypted(const QString& recipients) {
+    return unsilenced(Kind::payloadsEncrypted, EnvelopeWords::encryptedTitle,
+                      EnvelopeWords::encryptedInfo.arg(recipients));
+}
+
+DocumentNotice DocumentNotice::payloadsDecryptable(const QString& recipients, const QString& identityName) {
+    DocumentNotice notice = unsilenced(Kind::payloadsDecryptable, EnvelopeWords::encryptedTitle,
+                                       EnvelopeWords::decryptableInfo.arg(recipients, identityName));
+    notice.buttons = {{EnvelopeWords::decryptReply, 1, KeyEquivalent::returnKey},
+                      {EnvelopeWords::keepEncryptedReply, 0, KeyEquivalent::escapeKey}};
+    return notice;
+}
+
+DocumentNotice DocumentNotice::recipientsMissing(const QString& recipients) {
+    DocumentNotice notice = unsilenced(Kind::recipientsMissing, EnvelopeWords::recipientsMissingTitle,
+                                       EnvelopeWords::recipientsMissingInfo.arg(recipients));
+    notice.style = Style::warning;
+    return notice;
+}
 
 DocumentNotice DocumentNotice::signingIdentityMissing() {
     return informational(Kind::signingIdentityMissing, DocumentErrorWords::signingIdentityMissingTitle,

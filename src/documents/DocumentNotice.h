@@ -12,7 +12,10 @@ struct DocumentNotice {
         signingIdentityMissing,
         malformedPayloadContentRemoved,
         iOS15SilentInstallIncompatibility,
-        profileInvalidOnSave
+        profileInvalidOnSave,
+        payloadsEncrypted,
+        payloadsDecryptable,
+        recipientsMissing
     };
     enum class Style { informational, warning };
     enum class KeyEquivalent { none, returnKey, escapeKey };
@@ -37,6 +40,10 @@ struct DocumentNotice {
     static DocumentNotice malformedPayloadContentRemoved();
     static DocumentNotice iOS15SilentInstallIncompatibility();
     static DocumentNotice profileInvalidOnSave(int invalidValueCount);
+    // The recipients are one a line.
+    static DocumentNotice payloadsEncrypted(const QString& recipients);
+    static DocumentNotice payloadsDecryptable(const QString& recipients, const QString& identityName);
+    static DocumentNotice recipientsMissing(const QString& recipients);
 
     bool operator==(const DocumentNotice&) const = default;
 };

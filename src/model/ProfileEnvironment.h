@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/DateSource.h"
+#include "model/ProfileEncryptionServices.h"
 #include "model/ProfileSigningServices.h"
 #include "model/UUIDSource.h"
 
@@ -23,6 +24,8 @@ struct ProfileEnvironment {
     // Null when signing isn't available: signed files can't be opened and
     // no save can be signed.
     std::shared_ptr<ProfileSigningServices> signingServices;
+    // Null when encryption isn't available: encrypted payloads stay sealed.
+    std::shared_ptr<ProfileEncryptionServices> encryptionServices;
     std::optional<QString> identifierPrefix;
     std::optional<QString> hostName;
     std::optional<QString> organizationName;

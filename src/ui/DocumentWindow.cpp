@@ -227,6 +227,7 @@ void DocumentWindow::buildActions() {
     m_configuredOnlyAction->setIcon(QIcon::fromTheme(QStringLiteral("view-filter")));
     connect(m_configuredOnlyAction, &QAction::toggled, this,
             [this](bool on) { m_filter->setPredicateConfiguredOnlyActive(on); });
+    buildEncryptionActions();
 }
 
 void DocumentWindow::buildMenus() {
@@ -253,6 +254,9 @@ void DocumentWindow::buildMenus() {
     file->addAction(m_saveAction);
     file->addAction(m_saveAsAction);
     file->addAction(m_revertAction);
+    file->addSeparator();
+    file->addAction(m_encryptForAction);
+    file->addAction(m_doNotEncryptAction);
     file->addSeparator();
     file->addAction(m_exportAction);
     file->addAction(m_showInFileManagerAction);
@@ -442,6 +446,7 @@ void DocumentWindow::setUpDocument() {
     if (!m_document->profile())
         return;
     const bool isNewProfile = applyProfileProperties() || !m_document->filePath();
+    m_document->setPayloadsDecryptedHandler([this] { showDecryptedPayloads(); });
     m_document->presentOpeningNotices();
     bindSections();
     // The filter selects the first section that isn't a title as the rows arrive.
@@ -558,6 +563,7 @@ void DocumentWindow::updateCommandStates() {
                CommandAvailability::showInFileManager(m_document->filePath().has_value()),
                QStringLiteral("Show the document's file in the file manager"));
     m_revertAction->setEnabled(m_document->filePath().has_value() && m_document->isDocumentEdited());
+    updateEncryptionStates();
 }
 
 void DocumentWindow::showSectionMenu(PFMSection* clicked, const QPoint& globalPosition) {

@@ -68,6 +68,9 @@ public:
     QAction* redoAction() const { return m_redoAction; }
     QAction* saveAction() const { return m_saveAction; }
     QAction* findAction() const { return m_findAction; }
+    QAction* encryptForAction() const { return m_encryptForAction; }
+    QAction* doNotEncryptAction() const { return m_doNotEncryptAction; }
+    static inline const QString recipientsDialogObjectName = QStringLiteral("recipientsDialog");
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
 
     void selectSection(PFMSection* section);
@@ -138,6 +141,11 @@ private:
     void updateTitle();
     QStringList payloadTitles(const PFMSection& section) const;
     static QStringList profileFilesIn(const QMimeData* data);
+    void buildEncryptionActions();
+    void chooseRecipients();
+    void encryptFor(const QStringList& certificateFiles);
+    void showDecryptedPayloads();
+    void updateEncryptionStates();
 
     std::unique_ptr<ProfileDocument> m_document;
     UserDefaults& m_defaults;
@@ -175,6 +183,8 @@ private:
     QAction* m_closeAction = nullptr;
     QAction* m_findAction = nullptr;
     QAction* m_configuredOnlyAction = nullptr;
+    QAction* m_encryptForAction = nullptr;
+    QAction* m_doNotEncryptAction = nullptr;
 };
 
 } // namespace quorlin
