@@ -124,6 +124,13 @@ TEST_F(EncryptedDocumentTest, BadEnvelopeFailsClearlyAndStaysAsItWas) {
     ASSERT_FALSE(sealedAgain);
     EXPECT_EQ(sealedAgain.error().code, int(Failure::stillEncrypted));
     EXPECT_EQ(readPlain(*document->data()), sealedTree(truncated));
+
+    // A payload added beside the sealed ones is written in the open rather than lost.
+    document->profile()->addPayload(
+        document->profile()->domainForType(QStringLiteral("com.example.everything")));
+    const plist::Dictionary both = readPlain(*document->data());
+    EXPECT_EQ(both.data(sealedName), truncated);
+    EXPECT_EQ(both.array(contentName)->size(), 1);
 }
 
 } // namespace
