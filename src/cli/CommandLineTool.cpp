@@ -2,8 +2,10 @@
 
 #include "cli/CheckCommand.h"
 #include "cli/DiffCommand.h"
+#include "cli/DecryptCommand.h"
 #include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
+#include "cli/EncryptCommand.h"
 #include "cli/ExitCode.h"
 #include "cli/ExportPayloadCommand.h"
 #include "cli/FormatCommand.h"
@@ -67,6 +69,8 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<SignCommand>());
     add(std::make_unique<VerifyCommand>());
     add(std::make_unique<UnsignCommand>());
+    add(std::make_unique<EncryptCommand>());
+    add(std::make_unique<DecryptCommand>());
     add(std::make_unique<ExportPayloadCommand>());
     add(std::make_unique<IdentityImportCommand>());
     add(std::make_unique<IdentityListCommand>());

@@ -6,6 +6,7 @@
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileFiles.h"
 #include "cli/ProfileOpener.h"
+#include "cli/RecipientCertificates.h"
 #include "cli/SecretSource.h"
 
 namespace quorlin::cli {
@@ -16,6 +17,7 @@ const QString kCheckFlag = QStringLiteral("--check");
 const QString kIdentityOption = QStringLiteral("--identity");
 const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
 const QString kManifestsOption = QStringLiteral("--manifests");
+const QString kEncryptForOption = QStringLiteral("--encrypt-for");
 
 // What became of one file.
 enum class Outcome { unchanged, changed, leftAsIs, failed };
@@ -23,6 +25,7 @@ enum class Outcome { unchanged, changed, leftAsIs, failed };
 struct Run {
     bool onlyCheck = false;
     std::optional<QString> identity;
+    QList<QByteArray> encryptFor;
     const ProfileContext& context;
     CommandStreams& streams;
 };
@@ -43,6 +46,10 @@ Outcome formatOne(const Run& run, const ProfileOpener& opener, const QString& pa
     const auto opened = opener.open(path);
     if (!opened) {
         run.streams.printError(opened.error().message);
+        return Outcome::failed;
+    }
+    if (const auto applied = RecipientCertificates::apply(*opened->profile, run.encryptFor, path); !applied) {
+        run.streams.printError(applied.error());
         return Outcome::failed;
     }
     // An empty name saves unsigned, whatever identity the file was signed with.
@@ -85,6 +92,7 @@ QString FormatCommand::summary() const {
 QString FormatCommand::help() const {
     return QStringLiteral("Usage: quorlin-profile format FILE... [--check] [--identity NAME]\n"
                           "                              [--passphrase-file FILE] [--manifests DIR]\n"
+                          "                              [--encrypt-for CERT]...\n"
                           "\n"
                           "Opens each profile as the editor does and writes it back as the editor saves\n"
                           "it: an XML property list of the values the editor writes out, unknown\n"
@@ -104,6 +112,8 @@ QString FormatCommand::help() const {
                           "  --passphrase-file FILE read the identity's passphrase from the first line of\n"
                           "                         FILE instead of asking at the terminal\n"
                           "  --manifests DIR        take the domains from the manifests in DIR\n"
+                          "  --encrypt-for CERT     encrypt the payloads for this certificate (PEM or DER;\n"
+                          "                         may be repeated), as \"encrypt\" does\n"
                           "\n"
                           "Exit status: 0 when every file is (now) in form; 1 when --check found a file\n"
                           "that would change, or a signed file was left as it is; 2 for a usage error or\n"
@@ -112,8 +122,8 @@ QString FormatCommand::help() const {
 
 int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) const {
     const auto parsed = ParsedArguments::parse(
-        arguments,
-        ParsedArguments::Options({kIdentityOption, kPassphraseFileOption, kManifestsOption}, {kCheckFlag}));
+        arguments, ParsedArguments::Options({kIdentityOption, kPassphraseFileOption, kManifestsOption},
+                                            {kCheckFlag}, {kEncryptForOption}));
     if (!parsed)
         return usageError(streams, parsed.error());
     if (parsed->operands().isEmpty())
@@ -123,7 +133,11 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
     if (!context)
         return commandError(streams, context.error());
 
-    const Run run{parsed->hasFlag(kCheckFlag), parsed->value(kIdentityOption), *context, streams};
+    const auto certificates = RecipientCertificates::read(parsed->values(kEncryptForOption));
+    if (!certificates)
+        return inputError(streams, certificates.error());
+    const Run run{parsed->hasFlag(kCheckFlag), parsed->value(kIdentityOption), *certificates, *context,
+                  streams};
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(parsed->operands());
     bool anyFailed = !expansion.emptyFolders.isEmpty();
     for (const QString& folder : expansion.emptyFolders)

@@ -3,6 +3,7 @@
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
+#include "cli/RecipientCertificates.h"
 #include "cli/SecretSource.h"
 
 namespace quorlin::cli {
@@ -13,6 +14,7 @@ const QString kIdentityOption = QStringLiteral("--identity");
 const QString kOutputOption = QStringLiteral("-o");
 const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
 const QString kManifestsOption = QStringLiteral("--manifests");
+const QString kEncryptForOption = QStringLiteral("--encrypt-for");
 
 } // namespace
 
@@ -22,7 +24,7 @@ QString SignCommand::summary() const {
 
 QString SignCommand::help() const {
     return QStringLiteral("Usage: quorlin-profile sign FILE --identity NAME -o OUT [--passphrase-file FILE]\n"
-                          "                            [--manifests DIR]\n"
+                          "                            [--manifests DIR] [--encrypt-for CERT]...\n"
                           "\n"
                           "Signs the profile FILE with the identity whose certificate has the common\n"
                           "name NAME (see \"identity list\") and writes it to OUT as a CMS signed message\n"
@@ -36,6 +38,9 @@ QString SignCommand::help() const {
                           "  -o OUT                 where to write the signed profile (required)\n"
                           "  --passphrase-file FILE read the key's passphrase from the first line of FILE\n"
                           "  --manifests DIR        take the domains from the manifests in DIR\n"
+                          "  --encrypt-for CERT     first encrypt the payloads for this certificate (PEM or\n"
+                          "                         DER; may be repeated), as \"encrypt\" does; the profile\n"
+                          "                         is then signed in the editor's form\n"
                           "\n"
                           "Exit status: 0 when signed, 2 for a usage error, a file that can't be opened\n"
                           "as a profile, an unknown identity, a wrong passphrase or an output that can't\n"
@@ -44,7 +49,9 @@ QString SignCommand::help() const {
 
 int SignCommand::run(const QStringList& arguments, CommandStreams& streams) const {
     const auto parsed = ParsedArguments::parse(
-        arguments, {kIdentityOption, kOutputOption, kPassphraseFileOption, kManifestsOption});
+        arguments,
+        ParsedArguments::Options({kIdentityOption, kOutputOption, kPassphraseFileOption, kManifestsOption},
+                                 {}, {kEncryptForOption}));
     if (!parsed)
         return usageError(streams, parsed.error());
     if (parsed->operands().size() != 1)
@@ -57,6 +64,9 @@ int SignCommand::run(const QStringList& arguments, CommandStreams& streams) cons
         return usageError(streams, QStringLiteral("no output file given (-o OUT)"));
 
     const QString input = parsed->operands().first();
+    const auto certificates = RecipientCertificates::read(parsed->values(kEncryptForOption));
+    if (!certificates)
+        return inputError(streams, certificates.error());
     SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
     const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
     if (!context)
@@ -70,7 +80,17 @@ int SignCommand::run(const QStringList& arguments, CommandStreams& streams) cons
             streams,
             QStringLiteral("%1: no signing identity named “%2” (see 'quorlin-profile identity list')")
                 .arg(input, *identityName));
-    const auto message = context->signing.encodeSignedMessage(opened->content, *identity);
+    QByteArray content = opened->content;
+    if (!certificates->isEmpty()) {
+        if (const auto applied = RecipientCertificates::apply(*opened->profile, *certificates, input);
+            !applied)
+            return inputError(streams, applied.error());
+        const auto sealed = opened->profile->profileData(QString());
+        if (!sealed)
+            return inputError(streams, input + QStringLiteral(": cannot encrypt the payloads"));
+        content = *sealed;
+    }
+    const auto message = context->signing.encodeSignedMessage(content, *identity);
     if (!message) {
         const QString reason =
             passphrases.lastError().value_or(QStringLiteral("wrong passphrase or unreadable key"));

@@ -3,7 +3,10 @@
 #include "cli/ExitCode.h"
 #include "cli/InputFile.h"
 #include "cli/ParsedArguments.h"
+#include "documents/EnvelopeServices.h"
+#include "documents/EnvelopeWords.h"
 #include "documents/SigningServices.h"
+#include "plist/PlistReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -34,6 +37,24 @@ QJsonObject signerJson(const SignerVerification& signer) {
                        {QStringLiteral("expired"), signer.isExpired}};
 }
 
+// The recipients of the sealed payloads of a profile's property list; none
+// when they aren't sealed.
+QList<EnvelopeRecipient> recipientsOf(const QByteArray& profile, const SigningServices& signing) {
+    const auto read = plist::PlistReader::read(profile);
+    const plist::Dictionary* root = read ? read->root.dictionary() : nullptr;
+    const auto sealed = root ? root->data(QStringLiteral("EncryptedPayloadContent")) : std::nullopt;
+    if (!sealed)
+        return {};
+    const auto recipients = EnvelopeServices(signing).recipients(*sealed);
+    return recipients ? *recipients : QList<EnvelopeRecipient>{};
+}
+
+QJsonObject recipientJson(const EnvelopeRecipient& recipient) {
+    return QJsonObject{{QStringLiteral("issuer"), recipient.issuer},
+                       {QStringLiteral("serialNumber"), recipient.serialNumber},
+                       {QStringLiteral("keyIdentifier"), recipient.keyIdentifier}};
+}
+
 } // namespace
 
 QString VerifyCommand::summary() const {
@@ -47,10 +68,12 @@ QString VerifyCommand::help() const {
                           "“NAME”: signature intact|broken, chain trusted|untrusted, certificate\n"
                           "valid|expired\". The chain is trusted when it leads to a root of the system's\n"
                           "store or to one of your anchors. A file that is not signed prints \"FILE:\n"
-                          "not signed\".\n"
+                          "not signed\". A profile whose payloads are encrypted adds a line \"FILE:\n"
+                          "encrypted for ISSUER, serial SERIAL\" for each recipient.\n"
                           "\n"
                           "  --json  print a JSON array instead, one object per file with file, signed,\n"
-                          "          and signers (commonName, signatureIntact, chainTrusted, expired)\n"
+                          "          and signers (commonName, signatureIntact, chainTrusted, expired),\n"
+                          "          and recipients (issuer, serialNumber, keyIdentifier)\n"
                           "\n"
                           "Exit status: 0 when every file is signed and every signature is intact, by a\n"
                           "trusted certificate that hasn't expired; 1 otherwise; 2 for a usage error or\n"
@@ -87,9 +110,17 @@ int VerifyCommand::run(const QStringList& arguments, CommandStreams& streams) co
                 streams.print(signerLine(path, signer));
         }
         anyProblem |= !message;
+        QJsonArray recipients;
+        for (const EnvelopeRecipient& recipient :
+             recipientsOf(message ? message->content : *bytes, signing)) {
+            recipients.append(recipientJson(recipient));
+            if (!asJson)
+                streams.print(path + QStringLiteral(": encrypted for ") + EnvelopeWords::describe(recipient));
+        }
         files.append(QJsonObject{{QStringLiteral("file"), path},
                                  {QStringLiteral("signed"), message.has_value()},
-                                 {QStringLiteral("signers"), signers}});
+                                 {QStringLiteral("signers"), signers},
+                                 {QStringLiteral("recipients"), recipients}});
     }
     if (asJson)
         streams.writeOutput(QJsonDocument(files).toJson(QJsonDocument::Indented));

@@ -1,6 +1,7 @@
 #include "documents/DocumentError.h"
 
 #include "documents/DocumentErrorWords.h"
+#include "documents/EnvelopeWords.h"
 
 namespace quorlin {
 
@@ -16,6 +17,10 @@ DocumentError DocumentError::refusal(int code, const std::optional<QString>& fil
 DocumentError DocumentError::noData() {
     return {osStatusErrorDomain, noDataCode, std::nullopt,
             DocumentErrorWords::describe(osStatusErrorDomain, noDataCode, std::nullopt)};
+}
+
+DocumentError DocumentError::envelopeFailed(ProfileEncryptionServices::Failure failure) {
+    return {envelopeErrorDomain, int(failure), std::nullopt, EnvelopeWords::describe(failure)};
 }
 
 DocumentError DocumentError::fileFailed(int fileError, const QString& reason) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/ProfileEncryptionServices.h"
+
 #include <QString>
 
 #include <optional>
@@ -16,6 +18,8 @@ struct DocumentError {
     static inline const QString osStatusErrorDomain = QStringLiteral("NSOSStatusErrorDomain");
     // The file system refused a read or a write; the code is a QFileDevice::FileError.
     static inline const QString fileErrorDomain = QStringLiteral("QuorlinFileErrorDomain");
+    // Encrypted payloads that can't be opened or sealed; the code is the failure.
+    static inline const QString envelopeErrorDomain = QStringLiteral("QuorlinEnvelopeErrorDomain");
 
     enum ProfileDocumentCode {
         profileParsingFailedUnknown = 0,
@@ -34,6 +38,7 @@ struct DocumentError {
     static DocumentError refusal(int code, const std::optional<QString>& filePath);
     static DocumentError noData();
     static DocumentError fileFailed(int fileError, const QString& reason);
+    static DocumentError envelopeFailed(ProfileEncryptionServices::Failure failure);
 
     bool operator==(const DocumentError&) const = default;
 };

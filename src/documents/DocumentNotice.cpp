@@ -1,6 +1,7 @@
 #include "documents/DocumentNotice.h"
 
 #include "documents/DocumentErrorWords.h"
+#include "documents/EnvelopeWords.h"
 #include "plist/DefaultsKey.h"
 
 namespace quorlin {
@@ -16,6 +17,17 @@ DocumentNotice informational(DocumentNotice::Kind kind, const QString& title, co
             {{DocumentErrorWords::okReply, 1, DocumentNotice::KeyEquivalent::returnKey}},
             suppressionKey,
             DocumentErrorWords::doNotShowAgain};
+}
+
+// Encryption notices can't be silenced: what they say differs with each file.
+DocumentNotice unsilenced(DocumentNotice::Kind kind, const QString& title, const QString& text) {
+    return {kind,
+            DocumentNotice::Style::informational,
+            title,
+            text,
+            {{DocumentErrorWords::okReply, 1, DocumentNotice::KeyEquivalent::returnKey}},
+            {},
+            {}};
 }
 
 } // namespace
@@ -68,6 +80,23 @@ DocumentNotice DocumentNotice::quorlinLibrarySaveFailed(LibraryFailure failure) 
     }
     DocumentNotice notice = informational(Kind::quorlinLibrarySaveFailed, title, text, QString());
     notice.suppressionTitle.clear();
+DocumentNotice DocumentNotice::payloadsEncrypted(const QString& recipients) {
+    return unsilenced(Kind::payloadsEncrypted, EnvelopeWords::encryptedTitle,
+                      EnvelopeWords::encryptedInfo.arg(recipients));
+}
+
+DocumentNotice DocumentNotice::payloadsDecryptable(const QString& recipients, const QString& identityName) {
+    DocumentNotice notice = unsilenced(Kind::payloadsDecryptable, EnvelopeWords::encryptedTitle,
+                                       EnvelopeWords::decryptableInfo.arg(recipients, identityName));
+    notice.buttons = {{EnvelopeWords::decryptReply, 1, KeyEquivalent::returnKey},
+                      {EnvelopeWords::keepEncryptedReply, 0, KeyEquivalent::escapeKey}};
+    return notice;
+}
+
+DocumentNotice DocumentNotice::recipientsMissing(const QString& recipients) {
+    DocumentNotice notice = unsilenced(Kind::recipientsMissing, EnvelopeWords::recipientsMissingTitle,
+                                       EnvelopeWords::recipientsMissingInfo.arg(recipients));
+    notice.style = Style::warning;
     return notice;
 }
 

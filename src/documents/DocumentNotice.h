@@ -18,6 +18,9 @@ struct DocumentNotice {
         savedToQuorlinLibrary,
         quorlinLibraryIdentifierClash,
         quorlinLibrarySaveFailed
+        payloadsEncrypted,
+        payloadsDecryptable,
+        recipientsMissing
     };
     // The replies of the clash in the library.
     enum LibraryClashReply { generateNewIdentifier = 1000, replaceExisting = 1001, cancelSave = 1002 };
@@ -50,6 +53,10 @@ struct DocumentNotice {
     // The library saves that can't go ahead; each has an "OK" alone.
     enum class LibraryFailure { noIdentifier, libraryNotFound, couldNotTrash, noUniqueIdentifier };
     static DocumentNotice quorlinLibrarySaveFailed(LibraryFailure failure);
+    // The recipients are one a line.
+    static DocumentNotice payloadsEncrypted(const QString& recipients);
+    static DocumentNotice payloadsDecryptable(const QString& recipients, const QString& identityName);
+    static DocumentNotice recipientsMissing(const QString& recipients);
 
     bool operator==(const DocumentNotice&) const = default;
 };

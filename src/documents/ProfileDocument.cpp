@@ -2,6 +2,8 @@
 
 #include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
+#include "documents/EnvelopeServices.h"
+#include "documents/EnvelopeWords.h"
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
@@ -20,6 +22,7 @@ const QString payloadDisplayNameName = QStringLiteral("PayloadDisplayName");
 const QString organizationDefaultName = QStringLiteral(".PayloadOrganization");
 const QString consentTextDefaultName = QStringLiteral(".ConsentText");
 const QString untitledName = QStringLiteral("Untitled");
+using EncryptionFailure = ProfileEncryptionServices::Failure;
 
 int codeOf(Profile::Errors error) {
     switch (error) {
@@ -223,12 +226,81 @@ void ProfileDocument::presentOpeningNotices() {
         raiseNotice(DocumentNotice::signingIdentityMissing(), {});
     if (m_profile->malformedPayloadContentRemoved())
         raiseNotice(DocumentNotice::malformedPayloadContentRemoved(), {});
+    if (const auto& envelope = m_profile->encryptedPayloadContent())
+        raiseEncryptionNotice(*envelope);
     if (hasIdentifierCollision(m_profile->validationErrors())) {
         raiseNotice(DocumentNotice::iOS15SilentInstallIncompatibility(), [this](int tag) {
             if (tag == 1)
                 fixAndSave();
         });
     }
+}
+
+// The first of the user's identities that can decrypt is offered; a failure
+// leaves the sealed payloads as they were.
+void ProfileDocument::raiseEncryptionNotice(const QByteArray& envelope) {
+    const auto& services = m_environment->encryptionServices;
+    Expected<QList<EnvelopeRecipient>, EncryptionFailure> recipients =
+        fail(EncryptionFailure::malformedEnvelope);
+    if (services)
+        recipients = services->recipients(envelope);
+    const QString named =
+        recipients ? EnvelopeWords::describe(*recipients) : EnvelopeWords::describe(recipients.error());
+    const QStringList identities = decryptingIdentityNames();
+    if (identities.isEmpty()) {
+        raiseNotice(DocumentNotice::payloadsEncrypted(named), {});
+        return;
+    }
+    raiseNotice(DocumentNotice::payloadsDecryptable(named, identities.first()),
+                [this, identity = identities.first()](int tag) {
+                    if (tag != 1)
+                        return;
+                    const auto decrypted = decryptPayloads(identity);
+                    if (!decrypted && m_noticePresenter)
+                        m_noticePresenter->presentError(decrypted.error());
+                });
+}
+
+QStringList ProfileDocument::decryptingIdentityNames() const {
+    const auto& services = m_environment->encryptionServices;
+    if (!m_profile || !m_profile->encryptedPayloadContent() || !services)
+        return {};
+    return services->recipientIdentityNames(*m_profile->encryptedPayloadContent());
+}
+
+Expected<bool, DocumentError> ProfileDocument::decryptPayloads(const QString& identityName) {
+    if (!m_profile)
+        return fail(DocumentError::noData());
+    const auto unresolved = m_profile->decryptPayloadContent(identityName);
+    if (!unresolved)
+        return fail(DocumentError::envelopeFailed(unresolved.error()));
+    // Payloads that were in the file all along are no additions of the user's.
+    if (m_knownPayloads)
+        rememberPayloads();
+    if (!unresolved->isEmpty())
+        raiseNotice(DocumentNotice::recipientsMissing(EnvelopeWords::describe(*unresolved)), {});
+    if (m_payloadsDecrypted)
+        m_payloadsDecrypted();
+    return true;
+}
+
+Expected<bool, DocumentError> ProfileDocument::encryptFor(const QStringList& certificateFiles) {
+    if (!m_profile)
+        return fail(DocumentError::noData());
+    QList<QByteArray> certificates;
+    for (const QString& file : certificateFiles) {
+        const auto certificate = EnvelopeServices::readCertificateFile(file);
+        if (!certificate)
+            return fail(DocumentError::envelopeFailed(certificate.error()));
+        certificates.append(*certificate);
+    }
+    if (!certificates.isEmpty() && m_profile->encryptedPayloadContent())
+        return fail(DocumentError::envelopeFailed(EncryptionFailure::stillEncrypted));
+    if (certificates == m_profile->encryptForCertificates())
+        return true;
+    m_profile->setEncryptForCertificates(std::move(certificates));
+    updateChangeCount(ChangeKind::done);
+    return true;
 }
 
 bool ProfileDocument::isNoticeSuppressed(const DocumentNotice& notice) const {

@@ -96,6 +96,21 @@ public:
     void windowDidHide() { m_isWindowVisible = false; }
     int queuedNoticeCount() const { return int(m_queuedNotices.size()); }
 
+    // Encrypted payloads. The user's identities that the sealed payloads are for.
+    QStringList decryptingIdentityNames() const;
+    // Opens the sealed payloads with an identity (its passphrase is asked
+    // through the signing services); they become ordinary payloads, sealed
+    // again on save for the recipients found among the identities. A notice
+    // names the others.
+    Expected<bool, DocumentError> decryptPayloads(const QString& identityName);
+    // Seals the payloads for these certificate files (PEM or DER) on every
+    // save; none saves them open. A change counts as an edit.
+    Expected<bool, DocumentError> encryptFor(const QStringList& certificateFiles);
+    // The window rebuilds its sections when decrypted payloads arrive.
+    void setPayloadsDecryptedHandler(std::function<void()> handler) {
+        m_payloadsDecrypted = std::move(handler);
+    }
+
     // Saving. The user's commands: a warning first when the window counts
     // invalid values (in the forms it has built), then the save.
     void saveDocument(int invalidValueCount, SaveCompletion completion);
@@ -132,6 +147,7 @@ private:
     void takeSigningChoice(const std::optional<QString>& name);
     void updateDefaultsAfterSave();
     void countSigningNameChange(const std::optional<QString>& before);
+    void raiseEncryptionNotice(const QByteArray& envelope);
     void reportPayloads(const QList<Payload::Pointer>& payloads, const QString& eventName) const;
     void reportAddedPayloads();
     void rememberPayloads();
@@ -161,6 +177,7 @@ private:
     bool m_isWindowVisible = false;
     QList<QueuedNotice> m_queuedNotices;
     AtomicFileWriter m_writer;
+    std::function<void()> m_payloadsDecrypted;
 };
 
 } // namespace quorlin

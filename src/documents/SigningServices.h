@@ -23,6 +23,7 @@ public:
     explicit SigningServices(PassphraseProvider* passphrases = nullptr, QString dataFolder = {});
 
     QString identitiesFolder() const;
+    PassphraseProvider* passphraseProvider() const { return m_passphrases; }
     QString anchorsFolder() const;
 
     // In file-name order. Nothing when the folder can't be read.

@@ -13,6 +13,7 @@ namespace {
 
 const QString payloadTypeName = QStringLiteral("PayloadType");
 const QString payloadContentName = QStringLiteral("PayloadContent");
+const QString encryptedPayloadContentName = QStringLiteral("EncryptedPayloadContent");
 const QString payloadUUIDName = QStringLiteral("PayloadUUID");
 const QString payloadIdentifierName = QStringLiteral("PayloadIdentifier");
 const QString znthProfilePropertiesName = QStringLiteral("ZNTHProfileProperties");
@@ -103,15 +104,21 @@ Profile::parseProfile(const QByteArray& data, const DomainList& domains,
     // Entries of the root that its domain doesn't describe stay with the root.
     plist::Dictionary rootKeys = root;
     rootKeys.remove(payloadContentName);
+    if (const auto sealed = root.data(encryptedPayloadContentName)) {
+        profile->m_encryptedPayloadContent = sealed;
+        rootKeys.remove(encryptedPayloadContentName);
+    }
     const auto rootDomain = profile->rootDomain();
     if (!rootDomain)
         return fail(Errors::profileParsingFailedUnknown);
     profile->m_rootPayload = Payload::make(rootDomain, profile, profile->m_environment, rootKeys);
 
+    // Sealed payloads stand in for the open ones.
     const plist::Array* content = root.array(payloadContentName);
-    if (!content)
+    if (!content && !profile->m_encryptedPayloadContent)
         return fail(Errors::profileParsingFailedUnknown);
-    profile->readPayloadContent(*content);
+    if (content)
+        profile->readPayloadContent(*content);
     profile->adoptSigners(signers);
     if (znth) {
         profile->m_znthProfileProperties = std::move(znth);
@@ -363,13 +370,61 @@ plist::Dictionary Profile::profileDictionary() const {
         content.append(plist::Value(payload->writeOutDictionary()));
     for (const auto& unfamiliar : m_unfamiliarPayloads)
         content.append(plist::Value(unfamiliar));
+    if (m_encryptedPayloadContent) {
+        root.insert(encryptedPayloadContentName, plist::Value(*m_encryptedPayloadContent));
+        // Payloads added beside sealed ones stay open rather than be lost.
+        if (content.isEmpty())
+            return root;
+    }
     root.insert(payloadContentName, plist::Value(std::move(content)));
     return root;
 }
 
+// Payloads still sealed for others can't be sealed for new recipients.
+std::optional<plist::Dictionary> Profile::sealedProfileDictionary() const {
+    plist::Dictionary root = profileDictionary();
+    if (m_encryptForCertificates.isEmpty())
+        return root;
+    const auto& services = m_environment->encryptionServices;
+    if (m_encryptedPayloadContent || !services)
+        return std::nullopt;
+    const auto content = plist::XmlWriter::write(root.value(payloadContentName));
+    if (!content)
+        return std::nullopt;
+    const auto sealed = services->encrypt(*content, m_encryptForCertificates);
+    if (!sealed)
+        return std::nullopt;
+    root.remove(payloadContentName);
+    root.insert(encryptedPayloadContentName, plist::Value(*sealed));
+    return root;
+}
+
+Expected<QList<EnvelopeRecipient>, Profile::EncryptionFailure>
+Profile::decryptPayloadContent(const QString& identityName) {
+    const auto& services = m_environment->encryptionServices;
+    if (!m_encryptedPayloadContent)
+        return fail(EncryptionFailure::malformedEnvelope);
+    if (!services)
+        return fail(EncryptionFailure::keyUnavailable);
+    auto decrypted = services->decrypt(*m_encryptedPayloadContent, identityName);
+    if (!decrypted)
+        return fail(decrypted.error());
+    const auto read = plist::PlistReader::read(decrypted->content);
+    const plist::Array* payloads = read ? read->root.array() : nullptr;
+    if (!payloads)
+        return fail(EncryptionFailure::notAPayloadArray);
+    readPayloadContent(*payloads);
+    m_encryptedPayloadContent.reset();
+    m_encryptForCertificates = decrypted->recipientCertificates;
+    return decrypted->unresolvedRecipients;
+}
+
 std::optional<QByteArray> Profile::profileData(const std::optional<QString>& commonName) {
     repairValidationErrors();
-    const auto bytes = plist::XmlWriter::write(plist::Value(profileDictionary()));
+    const auto dictionary = sealedProfileDictionary();
+    if (!dictionary)
+        return std::nullopt;
+    const auto bytes = plist::XmlWriter::write(plist::Value(*dictionary));
     if (!bytes)
         return std::nullopt;
     const auto name = signingName(commonName);

@@ -53,6 +53,7 @@ public:
         friend bool operator==(const PlacedUnfamiliarPayload&, const PlacedUnfamiliarPayload&) = default;
     };
     enum class SigningNameError { unknownIdentity };
+    using EncryptionFailure = ProfileEncryptionServices::Failure;
 
     // Nothing when no domain has an empty payload type, the root's.
     static Pointer makeNewProfile(const DomainList& domains,
@@ -78,6 +79,19 @@ public:
     const std::optional<plist::Dictionary>& znthProfileProperties() const { return m_znthProfileProperties; }
     bool malformedPayloadContentRemoved() const { return m_malformedPayloadContentRemoved; }
     const DomainList& domains() const { return m_domains; }
+    // The file's sealed "EncryptedPayloadContent", kept byte for byte until
+    // it is decrypted.
+    const std::optional<QByteArray>& encryptedPayloadContent() const { return m_encryptedPayloadContent; }
+    // Opens the sealed payloads with one of the user's identities: they become
+    // ordinary payloads, and saves seal them again for the recipients whose
+    // certificates were found. Gives the recipients that weren't; on failure
+    // nothing changes.
+    Expected<QList<EnvelopeRecipient>, EncryptionFailure> decryptPayloadContent(const QString& identityName);
+    // DER certificates that saves seal the payloads for; none saves them open.
+    const QList<QByteArray>& encryptForCertificates() const { return m_encryptForCertificates; }
+    void setEncryptForCertificates(QList<QByteArray> certificates) {
+        m_encryptForCertificates = std::move(certificates);
+    }
     const ProfileEnvironment& environment() const { return *m_environment; }
     void setDelegate(const std::weak_ptr<ProfileDelegate>& delegate) { m_delegate = delegate; }
 
@@ -121,6 +135,7 @@ private:
     readRootDictionary(const QByteArray& data, const ProfileEnvironment& environment, QStringList& signers);
     static std::optional<Errors> checkPayloadType(const plist::Dictionary& root);
     void readPayloadContent(const plist::Array& content);
+    std::optional<plist::Dictionary> sealedProfileDictionary() const;
     void adoptSigners(const QStringList& signers);
     void addPayloadForNewProfile();
     void applyPreferencesDefaults();
@@ -140,6 +155,8 @@ private:
     std::optional<QString> m_saveSignedWithCommonName;
     std::optional<plist::Dictionary> m_znthProfileProperties;
     bool m_malformedPayloadContentRemoved = false;
+    std::optional<QByteArray> m_encryptedPayloadContent;
+    QList<QByteArray> m_encryptForCertificates;
     std::weak_ptr<ProfileDelegate> m_delegate;
     SelfChange m_performingSelfChange = SelfChange::none;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/DateSource.h"
+#include "model/ProfileEncryptionServices.h"
 #include "model/ProfileSigningServices.h"
 #include "model/UUIDSource.h"
 
@@ -29,6 +30,8 @@ struct ProfileEnvironment {
     // Asked each time an identifier is made, so that a prefix changed in the
     // preferences reaches the next payload of a document already open.
     std::function<std::optional<QString>()> identifierPrefix;
+    // Null when encryption isn't available: encrypted payloads stay sealed.
+    std::shared_ptr<ProfileEncryptionServices> encryptionServices;
     std::optional<QString> hostName;
     std::optional<QString> organizationName;
     std::optional<QString> consentText;

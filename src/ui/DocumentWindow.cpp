@@ -234,6 +234,7 @@ void DocumentWindow::buildActions() {
     m_configuredOnlyAction->setIcon(QIcon::fromTheme(QStringLiteral("view-filter")));
     connect(m_configuredOnlyAction, &QAction::toggled, this,
             [this](bool on) { m_filter->setPredicateConfiguredOnlyActive(on); });
+    buildEncryptionActions();
 }
 
 void DocumentWindow::buildMenus() {
@@ -262,6 +263,9 @@ void DocumentWindow::buildMenus() {
     file->addAction(m_saveToLibraryAction);
     connect(file, &QMenu::aboutToShow, this, &DocumentWindow::updateCommandStates);
     file->addAction(m_revertAction);
+    file->addSeparator();
+    file->addAction(m_encryptForAction);
+    file->addAction(m_doNotEncryptAction);
     file->addSeparator();
     file->addAction(m_exportAction);
     file->addAction(m_showInFileManagerAction);
@@ -457,6 +461,7 @@ void DocumentWindow::setUpDocument() {
     if (!m_document->profile())
         return;
     const bool isNewProfile = applyProfileProperties() || !m_document->filePath();
+    m_document->setPayloadsDecryptedHandler([this] { showDecryptedPayloads(); });
     m_document->presentOpeningNotices();
     bindSections();
     // The filter selects the first section that isn't a title as the rows arrive.
@@ -576,6 +581,7 @@ void DocumentWindow::updateCommandStates() {
     // Absent, not disabled, without the sibling product's library.
     const auto* bundled = dynamic_cast<const ProfileDocumentBundled*>(m_document.get());
     m_saveToLibraryAction->setVisible(bundled && bundled->hasQuorlinLibrary());
+    updateEncryptionStates();
 }
 
 void DocumentWindow::showSectionMenu(PFMSection* clicked, const QPoint& globalPosition) {

@@ -70,6 +70,9 @@ public:
     QAction* saveAction() const { return m_saveAction; }
     QAction* saveToQuorlinLibraryAction() const { return m_saveToLibraryAction; }
     QAction* findAction() const { return m_findAction; }
+    QAction* encryptForAction() const { return m_encryptForAction; }
+    QAction* doNotEncryptAction() const { return m_doNotEncryptAction; }
+    static inline const QString recipientsDialogObjectName = QStringLiteral("recipientsDialog");
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
     QAction* compareWithAction() const { return m_compareWithAction; }
     QAction* compareWithSavedAction() const { return m_compareWithSavedAction; }
@@ -151,6 +154,11 @@ private:
     QStringList payloadTitles(const PFMSection& section) const;
     ProfileDocument::SaveCompletion saveCompletion(Done done);
     static QStringList profileFilesIn(const QMimeData* data);
+    void buildEncryptionActions();
+    void chooseRecipients();
+    void encryptFor(const QStringList& certificateFiles);
+    void showDecryptedPayloads();
+    void updateEncryptionStates();
 
     std::unique_ptr<ProfileDocument> m_document;
     UserDefaults& m_defaults;
@@ -195,6 +203,8 @@ private:
 
     void buildCompareActions();
     void bringIntoView(const ProfileDifference& difference);
+    QAction* m_encryptForAction = nullptr;
+    QAction* m_doNotEncryptAction = nullptr;
 };
 
 } // namespace quorlin

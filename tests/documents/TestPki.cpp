@@ -34,9 +34,10 @@ void setSubject(X509* certificate, const std::optional<QString>& commonName) {
 } // namespace
 
 TestCertificate TestPki::issue(const std::optional<QString>& commonName, const TestCertificate* issuer,
-                               bool isAuthority, CertificateValidity validity) {
+                               bool isAuthority, CertificateValidity validity, KeyType keyType) {
     static long serial = 1;
-    TestCertificate made{openssl::Certificate(X509_new()), openssl::Key(EVP_EC_gen("P-256"))};
+    EVP_PKEY* key = keyType == KeyType::rsa ? EVP_RSA_gen(2048) : EVP_EC_gen("P-256");
+    TestCertificate made{openssl::Certificate(X509_new()), openssl::Key(key)};
     X509* certificate = made.certificate.get();
     X509_set_version(certificate, 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial++);
@@ -49,7 +50,9 @@ TestCertificate TestPki::issue(const std::optional<QString>& commonName, const T
     addExtension(certificate, issuerCertificate, NID_basic_constraints,
                  isAuthority ? "critical,CA:TRUE" : "critical,CA:FALSE");
     addExtension(certificate, issuerCertificate, NID_key_usage,
-                 isAuthority ? "critical,keyCertSign,cRLSign" : "critical,digitalSignature");
+                 isAuthority               ? "critical,keyCertSign,cRLSign"
+                 : keyType == KeyType::rsa ? "critical,digitalSignature,keyEncipherment"
+                                           : "critical,digitalSignature");
     X509_sign(certificate, issuer ? issuer->key.get() : made.key.get(), EVP_sha256());
     return made;
 }

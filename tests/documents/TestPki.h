@@ -21,12 +21,16 @@ struct CertificateValidity {
     int toDays = 365;
 };
 
+// Devices take encrypted payloads with RSA keys; signers have EC ones.
+enum class KeyType { ec, rsa };
+
 // A throw-away PKI made at run time, so no key is ever committed.
 class TestPki {
 public:
     // Self-signed when there is no issuer; no common name when none is given.
     static TestCertificate issue(const std::optional<QString>& commonName, const TestCertificate* issuer,
-                                 bool isAuthority, CertificateValidity validity = {});
+                                 bool isAuthority, CertificateValidity validity = {},
+                                 KeyType keyType = KeyType::ec);
     static QByteArray pem(X509* certificate);
     static QByteArray unencryptedKeyPem(EVP_PKEY* key);
     static QByteArray pkcs12(const TestCertificate& identity, const QList<X509*>& chain,
