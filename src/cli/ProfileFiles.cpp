@@ -1,7 +1,6 @@
 #include "cli/ProfileFiles.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -10,14 +9,35 @@ namespace quorlin::cli {
 
 namespace {
 
-QStringList profilesBelow(const QString& folder) {
-    QStringList files;
-    QDirIterator it(folder, {QStringLiteral("*.mobileconfig")}, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext())
-        files << it.next();
-    // The iterator's order is the file system's; a report should read the same on every run.
-    std::sort(files.begin(), files.end());
-    return files;
+const QString kProfileSuffix = QStringLiteral(".mobileconfig");
+
+void report(ProfileFiles::Expansion& expansion, const QString& path, const QString& reason) {
+    expansion.problems.append({path, path + QStringLiteral(": ") + reason});
+}
+
+// Names that aren't UTF-8 come back with replacement characters, under
+// which no file can be opened.
+bool isUndecodable(const QString& name) {
+    return name.contains(QChar::ReplacementCharacter);
+}
+
+void collect(const QString& folder, ProfileFiles::Expansion& expansion, QStringList& found) {
+    const QDir dir(folder);
+    if (!dir.isReadable()) {
+        report(expansion, folder, QStringLiteral("cannot read this folder: permission denied"));
+        return;
+    }
+    for (const QFileInfo& entry : dir.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
+        const bool isProfile = entry.isFile() && entry.fileName().endsWith(kProfileSuffix);
+        const bool isFolder = entry.isDir() && !entry.isSymLink();
+        if ((isProfile || isFolder) && isUndecodable(entry.fileName()))
+            report(expansion, entry.filePath(),
+                   QStringLiteral("the name is not valid UTF-8; rename it to use it"));
+        else if (isFolder)
+            collect(entry.filePath(), expansion, found);
+        else if (isProfile)
+            found << entry.filePath();
+    }
 }
 
 } // namespace
@@ -29,9 +49,12 @@ ProfileFiles::Expansion ProfileFiles::expand(const QStringList& operands) {
             expansion.files << operand;
             continue;
         }
-        const QStringList below = profilesBelow(operand);
+        QStringList below;
+        collect(operand, expansion, below);
+        // The file system's order differs between runs; a report should not.
+        std::sort(below.begin(), below.end());
         if (below.isEmpty())
-            expansion.emptyFolders << operand;
+            report(expansion, operand, QStringLiteral("no .mobileconfig file in this folder"));
         expansion.files << below;
     }
     return expansion;
