@@ -1,9 +1,15 @@
 #include "cli/ProfileFiles.h"
 
+#include "documents/SystemErrorWords.h"
+#include "plist/Expected.h"
+
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <dirent.h>
 
 namespace quorlin::cli {
 
@@ -15,25 +21,37 @@ void report(ProfileFiles::Expansion& expansion, const QString& path, const QStri
     expansion.problems.append({path, path + QStringLiteral(": ") + reason});
 }
 
-// Names that aren't UTF-8 come back with replacement characters, under
-// which no file can be opened.
-bool isUndecodable(const QString& name) {
-    return name.contains(QChar::ReplacementCharacter);
+// Names that aren't UTF-8 can't be held as text, so the listings of Qt leave
+// them out; the system's own listing finds them. Nothing can be opened under
+// such a name. The error is the system's reason the folder can't be read.
+Expected<QStringList, QString> undecodableNames(const QString& folder) {
+    DIR* stream = ::opendir(QFile::encodeName(folder).constData());
+    if (!stream)
+        return fail(SystemErrorWords::describe(errno));
+    QStringList names;
+    while (const dirent* entry = ::readdir(stream)) {
+        const QByteArray raw(entry->d_name);
+        if (QFile::encodeName(QFile::decodeName(raw)) != raw)
+            names << QFile::decodeName(raw);
+    }
+    ::closedir(stream);
+    return names;
 }
 
 void collect(const QString& folder, ProfileFiles::Expansion& expansion, QStringList& found) {
-    const QDir dir(folder);
-    if (!dir.isReadable()) {
-        report(expansion, folder, QStringLiteral("cannot read this folder: permission denied"));
+    const auto undecodable = undecodableNames(folder);
+    if (!undecodable) {
+        report(expansion, folder, QStringLiteral("cannot read this folder: ") + undecodable.error());
         return;
     }
-    for (const QFileInfo& entry : dir.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
+    for (const QString& name : *undecodable)
+        report(expansion, QDir(folder).filePath(name),
+               QStringLiteral("the name is not valid UTF-8; rename it to use it"));
+    for (const QFileInfo& entry :
+         QDir(folder).entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
         const bool isProfile = entry.isFile() && entry.fileName().endsWith(kProfileSuffix);
         const bool isFolder = entry.isDir() && !entry.isSymLink();
-        if ((isProfile || isFolder) && isUndecodable(entry.fileName()))
-            report(expansion, entry.filePath(),
-                   QStringLiteral("the name is not valid UTF-8; rename it to use it"));
-        else if (isFolder)
+        if (isFolder)
             collect(entry.filePath(), expansion, found);
         else if (isProfile)
             found << entry.filePath();

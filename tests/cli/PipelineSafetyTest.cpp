@@ -166,6 +166,8 @@ TEST_F(PipelineSafetyTest, FoldersReportNamesTheyCannotDecodeAndFilesThatAreNotU
     latin.insert(latin.indexOf("<string>") + 8, '\xE9');
     writeFile("profiles/latin.mobileconfig", latin);
     const ToolRun checked = tool({"check", "profiles", "--manifests", manifests()});
+    // The test's folder can't remove what it can't name.
+    ::unlink(undecodable.constData());
     EXPECT_EQ(checked.exitCode, 2);
     const QStringList errors = lines(checked.error);
     ASSERT_EQ(errors.size(), 2) << checked.error.toStdString();
