@@ -121,6 +121,9 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
         return usageError(streams, parsed.error());
     if (parsed->operands().isEmpty())
         return usageError(streams, QStringLiteral("no file given"));
+    // Each file is rewritten where it is; standard input has no place to go back to.
+    if (parsed->operands().contains(standardStream))
+        return usageError(streams, QStringLiteral("'-' can't be rewritten in place; give files"));
     SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
     const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
     if (!context)

@@ -142,11 +142,12 @@ TEST_F(PipelineSafetyTest, InputsThatWouldNeverEndAreRefusedAndDashIsStandardInp
         {{"plist", "lint", "large.plist"}, {}, "large.plist: cannot open: is larger than 512 MB\n"},
         {{"plist", "lint", "-"}, "/dev/zero", "standard input: cannot open: is a device, not a file\n"},
         {{"verify", "-"}, "/dev/zero", "standard input: cannot open: is a device, not a file\n"},
+        {{"format", "-"}, {}, "quorlin-profile format: '-' can't be rewritten in place; give files\n"},
     };
     for (const auto& each : cases) {
         const ToolRun refused = m_tool.run(each.arguments, each.input);
         EXPECT_EQ(refused.exitCode, 2) << each.error;
-        EXPECT_EQ(refused.error, each.error);
+        EXPECT_TRUE(refused.error.startsWith(each.error)) << refused.error.toStdString();
     }
     const ToolRun fromInput =
         m_tool.run(command("export-payload", "-").replaceInStrings("relay.mobileconfig", "-"),
