@@ -156,6 +156,9 @@ Outcome AtomicFileWriter::write(const QString& filePath, const QByteArray& bytes
     }
     if (replacesFile && !S_ISREG(existing.st_mode))
         return writeInPlace(target, bytes);
+    // The folder may allow a replacement that the file itself forbids.
+    if (replacesFile && ::access(target.constData(), W_OK) != 0)
+        return systemFailure(QFileDevice::OpenError);
 
     TemporaryFile file(target);
     if (!file.open())
