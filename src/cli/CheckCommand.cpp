@@ -99,8 +99,8 @@ int CheckCommand::check(const Request& request, CommandStreams& streams) {
             QJsonObject{{QStringLiteral("file"), file}, {QStringLiteral("message"), message}});
     };
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(request.operands);
-    for (const QString& folder : expansion.emptyFolders)
-        reportError(folder, folder + QStringLiteral(": no .mobileconfig file in this folder"));
+    for (const auto& problem : expansion.problems)
+        reportError(problem.path, problem.message);
 
     const ProfileOpener opener(request.context);
     for (const QString& file : expansion.files) {

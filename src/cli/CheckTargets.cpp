@@ -3,6 +3,8 @@
 #include "cli/ToolSettings.h"
 #include "schema/PFMSupportedPlatforms.h"
 
+#include <QRegularExpression>
+
 namespace quorlin::cli {
 
 namespace {
@@ -17,6 +19,15 @@ std::optional<Model> modelNamed(const QString& name) {
     return std::nullopt;
 }
 
+// Dotted numbers, as the manifests write versions: "14", "14.2", "10.15.7".
+std::optional<QString> versionFault(const char* option, const std::optional<QString>& version) {
+    static const QRegularExpression dotted(QStringLiteral(R"(^\d+(\.\d+){0,3}$)"));
+    if (!version || dotted.match(*version).hasMatch())
+        return std::nullopt;
+    return QStringLiteral("%1 takes a version such as 14 or 13.5.1, not '%2'")
+        .arg(QLatin1String(option), *version);
+}
+
 } // namespace
 
 CheckTargets::CheckTargets()
@@ -28,6 +39,10 @@ CheckTargets::CheckTargets()
 Expected<std::unique_ptr<CheckTargets>, QString> CheckTargets::make(const QStringList& platforms,
                                                                     const std::optional<QString>& minimum,
                                                                     const std::optional<QString>& maximum) {
+    for (const auto& fault : {versionFault("--os-min", minimum), versionFault("--os-max", maximum)}) {
+        if (fault)
+            return fail(*fault);
+    }
     std::unique_ptr<CheckTargets> targets(new CheckTargets());
     ValidationSettings& settings = targets->m_settings;
     for (const QString& list : platforms) {

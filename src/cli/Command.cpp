@@ -24,6 +24,11 @@ int Command::commandError(CommandStreams& streams, const QString& reason) const 
 }
 
 int Command::writeOutputFile(CommandStreams& streams, const QString& path, const QByteArray& bytes) const {
+    // A failure of standard output is reported once the command is done.
+    if (path == standardStream) {
+        streams.writeOutput(bytes);
+        return ExitCode::success;
+    }
     if (const auto written = OutputFile::write(path, bytes); !written)
         return inputError(streams, path + QStringLiteral(": cannot write: ") + written.error());
     return ExitCode::success;

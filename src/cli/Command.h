@@ -32,7 +32,11 @@ protected:
     int inputError(CommandStreams& streams, const QString& message) const;
     // The same for a failure of the command as a whole, named after it.
     int commandError(CommandStreams& streams, const QString& reason) const;
-    // Writes the bytes to the file whole or not at all; the exit status.
+    // "-" for an input or an output: standard input or standard output.
+    static inline const QString standardStream = QStringLiteral("-");
+
+    // Writes the bytes to the file whole or not at all, or to standard
+    // output for "-"; the exit status.
     int writeOutputFile(CommandStreams& streams, const QString& path, const QByteArray& bytes) const;
 };
 

@@ -20,6 +20,7 @@
 #include "cli/PlistLintCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/SignCommand.h"
+#include "cli/StandardOutputDevice.h"
 #include "cli/UnsignCommand.h"
 #include "cli/VerifyCommand.h"
 #include "plist/ApplicationIdentity.h"
@@ -28,6 +29,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <unistd.h>
 
 namespace quorlin::cli {
 
@@ -84,12 +86,17 @@ QString CommandLineTool::programName() {
 }
 
 int CommandLineTool::runWithStandardStreams(const QStringList& arguments) {
-    QFile output;
+    StandardOutputDevice output(STDOUT_FILENO);
     QFile error;
-    output.open(stdout, QIODevice::WriteOnly);
     error.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered);
     CommandStreams streams(output, error);
-    return CommandLineTool().run(arguments, streams);
+    const int status = CommandLineTool().run(arguments, streams);
+    // Output that didn't arrive is a failure whatever the command made of it.
+    if (const auto& failure = streams.outputFailure()) {
+        streams.printError(programName() + QStringLiteral(": cannot write to standard output: ") + *failure);
+        return ExitCode::usageOrInputError;
+    }
+    return status;
 }
 
 void CommandLineTool::add(std::unique_ptr<Command> command) {

@@ -17,14 +17,18 @@ const QString kPayloadUUID = QStringLiteral("PayloadUUID");
 
 // The payload's dictionary as the editor exports it; unknown payloads as they were read.
 std::optional<plist::Dictionary> payloadDictionary(const Profile& profile, const QString& uuid) {
+    // UUIDs are written in either case; both name the same payload.
+    const auto matches = [&](const QString& candidate) {
+        return candidate.compare(uuid, Qt::CaseInsensitive) == 0;
+    };
     QList<Payload::Pointer> payloads{profile.rootPayload()};
     payloads.append(profile.configurationPayloads());
     for (const auto& payload : payloads) {
-        if (payload->stringValue(kPayloadUUID) == uuid)
+        if (matches(payload->stringValue(kPayloadUUID).value_or(QString())))
             return payload->writeOutDictionary();
     }
     for (const auto& dictionary : profile.unfamiliarPayloads()) {
-        if (dictionary.value(kPayloadUUID).toString() == uuid)
+        if (matches(dictionary.value(kPayloadUUID).toString().value_or(QString())))
             return dictionary;
     }
     return std::nullopt;
@@ -90,10 +94,6 @@ int ExportPayloadCommand::run(const QStringList& arguments, CommandStreams& stre
     const auto bytes = plist::XmlWriter::write(plist::Value(*dictionary));
     if (!bytes)
         return inputError(streams, input + QStringLiteral(": cannot write the payload as a property list"));
-    if (*output == QStringLiteral("-")) {
-        streams.writeOutput(*bytes);
-        return ExitCode::success;
-    }
     return writeOutputFile(streams, *output, *bytes);
 }
 

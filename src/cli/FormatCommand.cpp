@@ -2,6 +2,7 @@
 
 #include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
+#include "cli/IdentityChoice.h"
 #include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileFiles.h"
@@ -32,10 +33,12 @@ struct Run {
 
 // The new content signed with the identity given, or an error that starts with the path.
 Expected<QByteArray, QString> signedAgain(const Run& run, const QString& path, const QByteArray& content) {
-    const auto identity = run.context.signing.identityNamed(*run.identity);
-    if (!identity)
-        return fail(QStringLiteral("%1: no signing identity named “%2”").arg(path, *run.identity));
-    const auto message = run.context.signing.encodeSignedMessage(content, *identity);
+    const auto chosen = IdentityChoice::choose(run.context.signing, *run.identity);
+    if (!chosen)
+        return fail(path + QStringLiteral(": ") + chosen.error());
+    if (chosen->warning)
+        run.streams.printError(path + QStringLiteral(": ") + *chosen->warning);
+    const auto message = run.context.signing.encodeSignedMessage(content, chosen->identity);
     if (!message)
         return fail(QStringLiteral("%1: cannot sign with “%2”: wrong passphrase or unreadable key")
                         .arg(path, *run.identity));
@@ -128,6 +131,9 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
         return usageError(streams, parsed.error());
     if (parsed->operands().isEmpty())
         return usageError(streams, QStringLiteral("no file given"));
+    // Each file is rewritten where it is; standard input has no place to go back to.
+    if (parsed->operands().contains(standardStream))
+        return usageError(streams, QStringLiteral("'-' can't be rewritten in place; give files"));
     SecretSource passphrases(parsed->value(kPassphraseFileOption), QStringLiteral("Passphrase of “%1”: "));
     const auto context = ProfileContext::make(parsed->value(kManifestsOption), &passphrases);
     if (!context)
@@ -139,9 +145,9 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
     const Run run{parsed->hasFlag(kCheckFlag), parsed->value(kIdentityOption), *certificates, *context,
                   streams};
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(parsed->operands());
-    bool anyFailed = !expansion.emptyFolders.isEmpty();
-    for (const QString& folder : expansion.emptyFolders)
-        streams.printError(folder + QStringLiteral(": no .mobileconfig file in this folder"));
+    bool anyFailed = !expansion.problems.isEmpty();
+    for (const auto& problem : expansion.problems)
+        streams.printError(problem.message);
     bool anyFinding = false;
     const ProfileOpener opener(*context);
     for (const QString& file : expansion.files) {

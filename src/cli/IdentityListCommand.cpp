@@ -34,7 +34,8 @@ QString IdentityListCommand::help() const {
                           "store or to one of your anchors) and the file that holds it.\n"
                           "\n"
                           "  --json  print a JSON array instead, one object per identity with name,\n"
-                          "          trusted and file\n"
+                          "          trusted, file, fingerprint (SHA-256, what \"sign --identity\" takes\n"
+                          "          where names repeat) and expires\n"
                           "\n"
                           "Exit status: 0 when listed (an empty store lists nothing), 2 for a usage\n"
                           "error or a store that can't be read.");
@@ -62,10 +63,15 @@ int IdentityListCommand::run(const QStringList& arguments, CommandStreams& strea
         return ExitCode::success;
     }
     QJsonArray array;
-    for (const SigningIdentity& identity : *identities)
-        array.append(QJsonObject{{QStringLiteral("name"), identity.name},
-                                 {QStringLiteral("trusted"), identity.isTrusted},
-                                 {QStringLiteral("file"), identity.secIdentity.filePath}});
+    for (const SigningIdentity& identity : *identities) {
+        const auto facts = signing.certificateFacts(identity);
+        array.append(QJsonObject{
+            {QStringLiteral("name"), identity.name},
+            {QStringLiteral("trusted"), identity.isTrusted},
+            {QStringLiteral("file"), identity.secIdentity.filePath},
+            {QStringLiteral("fingerprint"), facts ? facts->fingerprint : QString()},
+            {QStringLiteral("expires"), facts ? facts->notAfter.toString(Qt::ISODate) : QString()}});
+    }
     streams.writeOutput(QJsonDocument(array).toJson(QJsonDocument::Indented));
     return ExitCode::success;
 }

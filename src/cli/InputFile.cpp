@@ -1,23 +1,18 @@
 #include "cli/InputFile.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "documents/BoundedFileReader.h"
 
 #include <utility>
 
 namespace quorlin::cli {
 
 Expected<QByteArray, InputFile::Error> InputFile::read(const QString& path) {
-    const auto cannotOpen = [&](const QString& reason) {
-        return fail(Error{Error::Kind::unreadable, path + QStringLiteral(": cannot open: ") + reason});
-    };
-    // Opening a directory succeeds on Linux and then reads nothing.
-    if (QFileInfo(path).isDir())
-        return cannotOpen(QStringLiteral("is a directory"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return cannotOpen(file.errorString());
-    return file.readAll();
+    const bool standardInput = path == QStringLiteral("-");
+    auto bytes = standardInput ? BoundedFileReader::readStandardInput() : BoundedFileReader::read(path);
+    if (!bytes)
+        return fail(Error{Error::Kind::unreadable, (standardInput ? QStringLiteral("standard input") : path) +
+                                                       QStringLiteral(": cannot open: ") + bytes.error()});
+    return std::move(bytes).value();
 }
 
 Expected<plist::ReadResult, InputFile::Error> InputFile::readPlist(const QString& path) {

@@ -20,6 +20,8 @@ public:
         QString message; // "PATH: cannot open: REASON", "PATH: REASON (line N)"
     };
 
+    // "-" reads standard input. Files too large, devices and named pipes
+    // are refused as unreadable.
     static Expected<QByteArray, Error> read(const QString& path);
     static Expected<plist::ReadResult, Error> readPlist(const QString& path);
 };

@@ -2,6 +2,7 @@
 
 #include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
+#include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "plist/ApplicationIdentity.h"
 #include "supply/OriginalsFolderRepository.h"
@@ -14,7 +15,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -66,13 +66,14 @@ bool sameContent(const QString& a, const QString& b) {
            first.size() == second.size() && first.readAll() == second.readAll();
 }
 
-bool copyAtomically(const QString& from, const QString& to) {
+// Why the copy failed, if it did.
+std::optional<QString> copyAtomically(const QString& from, const QString& to) {
     QFile source(from);
-    QSaveFile target(to);
-    if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
-        return false;
-    const QByteArray bytes = source.readAll();
-    return target.write(bytes) == bytes.size() && target.commit();
+    if (!source.open(QIODevice::ReadOnly))
+        return source.errorString();
+    if (const auto written = OutputFile::write(to, source.readAll()); !written)
+        return written.error();
+    return std::nullopt;
 }
 
 } // namespace
@@ -209,8 +210,10 @@ std::optional<QString> ManifestsStandardizeCommand::mirror(const QString& standa
         const QString name = QFileInfo(file).fileName();
         names.insert(name);
         const QString target = QDir(destination).filePath(name);
-        if (!sameContent(file, target) && !copyAtomically(file, target))
-            return target + QStringLiteral(": cannot write the file");
+        if (sameContent(file, target))
+            continue;
+        if (const auto failure = copyAtomically(file, target))
+            return target + QStringLiteral(": cannot write: ") + *failure;
     }
     for (const QString& file : ManifestRepository::plistFiles(destination)) {
         if (!names.contains(QFileInfo(file).fileName()) && !QFile::remove(file))

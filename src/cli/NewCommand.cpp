@@ -2,7 +2,6 @@
 
 #include "cli/CommandLineTool.h"
 #include "cli/ExitCode.h"
-#include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileContext.h"
 #include "model/Profile.h"
@@ -80,7 +79,8 @@ int NewCommand::run(const QStringList& arguments, CommandStreams& streams) const
             profile->addPayload(domain);
     }
     // A new window names its profile after its document.
-    if (const auto displayName = profile->rootPayload()->payloadDisplayNameKey())
+    const auto displayName = profile->rootPayload()->payloadDisplayNameKey();
+    if (displayName && *output != standardStream)
         displayName->setValue(plist::Value(QFileInfo(*output).completeBaseName()));
 
     // An empty name: unsigned, whatever identity the preferences name.
@@ -89,11 +89,7 @@ int NewCommand::run(const QStringList& arguments, CommandStreams& streams) const
         streams.printError(*output + QStringLiteral(": cannot make the profile's data"));
         return ExitCode::usageOrInputError;
     }
-    if (const auto written = OutputFile::write(*output, *bytes); !written) {
-        streams.printError(*output + QStringLiteral(": cannot write: ") + written.error());
-        return ExitCode::usageOrInputError;
-    }
-    return ExitCode::success;
+    return writeOutputFile(streams, *output, *bytes);
 }
 
 } // namespace quorlin::cli

@@ -10,8 +10,10 @@ namespace quorlin::cli {
 // Writing the files a command produces.
 class OutputFile {
 public:
-    // Replaces the file whole or not at all; an existing file keeps its
-    // permissions. The error is the reason alone.
+    // Replaces the file whole or not at all, checked to the end: a write that
+    // fails leaves the old file byte for byte. An existing file keeps its
+    // permissions, owner and group. The error is the reason alone, in plain
+    // words.
     static Expected<bool, QString> write(const QString& path, const QByteArray& bytes);
 };
 

@@ -6,8 +6,6 @@
 #include "plist/BinaryWriter.h"
 #include "plist/XmlWriter.h"
 
-#include <QSaveFile>
-
 namespace quorlin::cli {
 
 namespace {
@@ -16,7 +14,6 @@ const QString kFormatOption = QStringLiteral("-f");
 const QString kOutputOption = QStringLiteral("-o");
 const QString kXmlFormat = QStringLiteral("xml1");
 const QString kBinaryFormat = QStringLiteral("binary1");
-const QString kStandardOutput = QStringLiteral("-");
 
 } // namespace
 
@@ -63,29 +60,11 @@ int PlistConvertCommand::run(const QStringList& arguments, CommandStreams& strea
     }
 
     const QString output = parsed->value(kOutputOption).value_or(input);
-    if (output == kStandardOutput) {
-        streams.writeOutput(*bytes);
-        return ExitCode::success;
-    }
-    if (const auto saved = save(output, *bytes); !saved) {
-        streams.printError(output + QStringLiteral(": cannot write: ") + saved.error());
-        return ExitCode::usageOrInputError;
-    }
-    return ExitCode::success;
+    return writeOutputFile(streams, output, *bytes);
 }
 
 Expected<QByteArray, QString> PlistConvertCommand::encode(const plist::Value& root, const QString& format) {
     return format == kBinaryFormat ? plist::BinaryWriter::write(root) : plist::XmlWriter::write(root);
-}
-
-Expected<bool, QString> PlistConvertCommand::save(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return fail(file.errorString());
-    file.write(bytes);
-    if (!file.commit())
-        return fail(file.errorString());
-    return true;
 }
 
 } // namespace quorlin::cli

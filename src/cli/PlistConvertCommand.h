@@ -17,8 +17,6 @@ public:
 
 private:
     static Expected<QByteArray, QString> encode(const plist::Value& root, const QString& format);
-    // Replaces the file whole or not at all.
-    static Expected<bool, QString> save(const QString& path, const QByteArray& bytes);
 };
 
 } // namespace quorlin::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -9,10 +10,16 @@ namespace quorlin::cli {
 // folder as every ".mobileconfig" file below it, in path order.
 class ProfileFiles {
 public:
+    // What makes a folder's expansion incomplete: a folder with no profile,
+    // a subfolder that can't be read, a name that can't be decoded (and so
+    // can't be opened by it).
+    struct Problem {
+        QString path;
+        QString message; // "PATH: REASON"
+    };
     struct Expansion {
         QStringList files;
-        // Folders that held no profile file, to be reported.
-        QStringList emptyFolders;
+        QList<Problem> problems;
     };
 
     static Expansion expand(const QStringList& operands);

@@ -26,7 +26,7 @@ Expected<OpenedProfile, InputFile::Error> ProfileOpener::open(const QString& pat
     }
     auto profile = ProfileDocument::makeProfile(*bytes, m_context.domains, m_context.environment, path);
     if (!profile)
-        return invalid(profile.error().words);
+        return invalid(profile.error().wordsWithReason());
     opened.profile = std::move(profile).value();
     return opened;
 }

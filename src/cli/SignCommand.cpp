@@ -1,6 +1,7 @@
 #include "cli/SignCommand.h"
 
 #include "cli/ExitCode.h"
+#include "cli/IdentityChoice.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 #include "cli/RecipientCertificates.h"
@@ -32,10 +33,14 @@ QString SignCommand::help() const {
                           "profile. FILE must open as a profile; its property list is signed exactly as\n"
                           "it is (run \"format\" first for the editor's form). A FILE that is signed\n"
                           "already is signed afresh over its content. The key's passphrase is asked\n"
-                          "at the terminal.\n"
+                          "at the terminal. Where several identities share NAME, the command lists\n"
+                          "their fingerprints and --identity takes the fingerprint of the one to use.\n"
+                          "An identity whose certificate has expired signs, with a warning. FILE \"-\"\n"
+                          "reads standard input.\n"
                           "\n"
-                          "  --identity NAME        the signing identity (required)\n"
-                          "  -o OUT                 where to write the signed profile (required)\n"
+                          "  --identity NAME        the signing identity (required), or its fingerprint\n"
+                          "  -o OUT                 where to write the signed profile (required); \"-\" for\n"
+                          "                         standard output\n"
                           "  --passphrase-file FILE read the key's passphrase from the first line of FILE\n"
                           "  --manifests DIR        take the domains from the manifests in DIR\n"
                           "  --encrypt-for CERT     first encrypt the payloads for this certificate (PEM or\n"
@@ -74,12 +79,11 @@ int SignCommand::run(const QStringList& arguments, CommandStreams& streams) cons
     const auto opened = ProfileOpener(*context).open(input);
     if (!opened)
         return inputError(streams, opened.error().message);
-    const auto identity = context->signing.identityNamed(*identityName);
-    if (!identity)
-        return inputError(
-            streams,
-            QStringLiteral("%1: no signing identity named “%2” (see 'quorlin-profile identity list')")
-                .arg(input, *identityName));
+    const auto chosen = IdentityChoice::choose(context->signing, *identityName);
+    if (!chosen)
+        return inputError(streams, input + QStringLiteral(": ") + chosen.error());
+    if (chosen->warning)
+        streams.printError(input + QStringLiteral(": ") + *chosen->warning);
     QByteArray content = opened->content;
     if (!certificates->isEmpty()) {
         if (const auto applied = RecipientCertificates::apply(*opened->profile, *certificates, input);
@@ -90,7 +94,7 @@ int SignCommand::run(const QStringList& arguments, CommandStreams& streams) cons
             return inputError(streams, input + QStringLiteral(": cannot encrypt the payloads"));
         content = *sealed;
     }
-    const auto message = context->signing.encodeSignedMessage(content, *identity);
+    const auto message = context->signing.encodeSignedMessage(content, chosen->identity);
     if (!message) {
         const QString reason =
             passphrases.lastError().value_or(QStringLiteral("wrong passphrase or unreadable key"));

@@ -18,23 +18,38 @@ namespace {
 
 const QString kJsonFlag = QStringLiteral("--json");
 
+const QString kCaFileOption = QStringLiteral("--ca-file");
+
 bool isSound(const SignerVerification& signer) {
-    return signer.isSignatureIntact && signer.isChainTrusted && !signer.isExpired;
+    return signer.isSignatureIntact && signer.isChainTrusted && !signer.isExpired && !signer.isNotYetValid;
+}
+
+QString chainWords(const SignerVerification& signer) {
+    if (signer.isChainTrusted)
+        return QStringLiteral("trusted");
+    return QStringLiteral("untrusted (%1)").arg(signer.untrustedReason);
+}
+
+QString certificateWords(const SignerVerification& signer) {
+    if (signer.isExpired)
+        return QStringLiteral("expired");
+    return signer.isNotYetValid ? QStringLiteral("not yet valid") : QStringLiteral("valid");
 }
 
 QString signerLine(const QString& path, const SignerVerification& signer) {
     const QString name = signer.commonName.isEmpty() ? SigningServices::unknownName() : signer.commonName;
     return QStringLiteral("%1: signed by “%2”: signature %3, chain %4, certificate %5")
         .arg(path, name, signer.isSignatureIntact ? QStringLiteral("intact") : QStringLiteral("broken"),
-             signer.isChainTrusted ? QStringLiteral("trusted") : QStringLiteral("untrusted"),
-             signer.isExpired ? QStringLiteral("expired") : QStringLiteral("valid"));
+             chainWords(signer), certificateWords(signer));
 }
 
 QJsonObject signerJson(const SignerVerification& signer) {
     return QJsonObject{{QStringLiteral("commonName"), signer.commonName},
                        {QStringLiteral("signatureIntact"), signer.isSignatureIntact},
                        {QStringLiteral("chainTrusted"), signer.isChainTrusted},
-                       {QStringLiteral("expired"), signer.isExpired}};
+                       {QStringLiteral("untrustedReason"), signer.untrustedReason},
+                       {QStringLiteral("expired"), signer.isExpired},
+                       {QStringLiteral("notYetValid"), signer.isNotYetValid}};
 }
 
 // The recipients of the sealed payloads of a profile's property list; none
@@ -62,18 +77,23 @@ QString VerifyCommand::summary() const {
 }
 
 QString VerifyCommand::help() const {
-    return QStringLiteral("Usage: quorlin-profile verify FILE... [--json]\n"
+    return QStringLiteral("Usage: quorlin-profile verify FILE... [--json] [--ca-file FILE]\n"
                           "\n"
                           "For each signer of each signed profile prints one line: \"FILE: signed by\n"
-                          "“NAME”: signature intact|broken, chain trusted|untrusted, certificate\n"
-                          "valid|expired\". The chain is trusted when it leads to a root of the system's\n"
-                          "store or to one of your anchors. A file that is not signed prints \"FILE:\n"
+                          "“NAME”: signature intact|broken, chain trusted|untrusted (REASON), certificate\n"
+                          "valid|expired|not yet valid\". The chain is trusted when it leads to a root of\n"
+                          "the system's store or to one of your anchors, whatever the certificates'\n"
+                          "dates, which the last part tells. A file that is not signed prints \"FILE:\n"
                           "not signed\". A profile whose payloads are encrypted adds a line \"FILE:\n"
-                          "encrypted for ISSUER, serial SERIAL\" for each recipient.\n"
+                          "encrypted for ISSUER, serial SERIAL\" for each recipient. FILE \"-\" reads\n"
+                          "standard input.\n"
                           "\n"
-                          "  --json  print a JSON array instead, one object per file with file, signed,\n"
-                          "          and signers (commonName, signatureIntact, chainTrusted, expired),\n"
-                          "          and recipients (issuer, serialNumber, keyIdentifier)\n"
+                          "  --json          print a JSON array instead, one object per file with file,\n"
+                          "                  signed, signers (commonName, signatureIntact, chainTrusted,\n"
+                          "                  untrustedReason, expired, notYetValid) and recipients\n"
+                          "                  (issuer, serialNumber, keyIdentifier)\n"
+                          "  --ca-file FILE  trust the root certificates of FILE (PEM or DER) too, for\n"
+                          "                  this run\n"
                           "\n"
                           "Exit status: 0 when every file is signed and every signature is intact, by a\n"
                           "trusted certificate that hasn't expired; 1 otherwise; 2 for a usage error or\n"
@@ -81,14 +101,20 @@ QString VerifyCommand::help() const {
 }
 
 int VerifyCommand::run(const QStringList& arguments, CommandStreams& streams) const {
-    const auto parsed = ParsedArguments::parse(arguments, ParsedArguments::Options({}, {kJsonFlag}));
+    const auto parsed =
+        ParsedArguments::parse(arguments, ParsedArguments::Options({kCaFileOption}, {kJsonFlag}));
     if (!parsed)
         return usageError(streams, parsed.error());
     if (parsed->operands().isEmpty())
         return usageError(streams, QStringLiteral("no file given"));
 
     const bool asJson = parsed->hasFlag(kJsonFlag);
-    const SigningServices signing;
+    SigningServices signing;
+    if (const auto caFile = parsed->value(kCaFileOption)) {
+        if (const auto added = signing.addAnchorFile(*caFile); !added)
+            return inputError(streams,
+                              *caFile + QStringLiteral(": cannot use as --ca-file: ") + added.error());
+    }
     bool anyUnreadable = false;
     bool anyProblem = false;
     QJsonArray files;

@@ -10,13 +10,19 @@ DocumentError DocumentError::refusal(int code, const std::optional<QString>& fil
     const bool namesFile = code == profileParsingFailedProfileServicePayload ||
                            code == profileParsingFailedEnrollmentServicePayload;
     const std::optional<QString> kept = namesFile ? filePath : std::nullopt;
-    return {profileDocumentErrorDomain, code, kept,
-            DocumentErrorWords::describe(profileDocumentErrorDomain, code, kept)};
+    return {profileDocumentErrorDomain,
+            code,
+            kept,
+            DocumentErrorWords::describe(profileDocumentErrorDomain, code, kept),
+            {}};
 }
 
 DocumentError DocumentError::noData() {
-    return {osStatusErrorDomain, noDataCode, std::nullopt,
-            DocumentErrorWords::describe(osStatusErrorDomain, noDataCode, std::nullopt)};
+    return {osStatusErrorDomain,
+            noDataCode,
+            std::nullopt,
+            DocumentErrorWords::describe(osStatusErrorDomain, noDataCode, std::nullopt),
+            {}};
 }
 
 DocumentError DocumentError::envelopeFailed(ProfileEncryptionServices::Failure failure) {
@@ -24,7 +30,15 @@ DocumentError DocumentError::envelopeFailed(ProfileEncryptionServices::Failure f
 }
 
 DocumentError DocumentError::fileFailed(int fileError, const QString& reason) {
-    return {fileErrorDomain, fileError, std::nullopt, reason};
+    return {fileErrorDomain, fileError, std::nullopt, reason, {}};
+}
+
+QString DocumentError::wordsWithReason(const QString& separator) const {
+    if (reason.isEmpty())
+        return words;
+    QString sentence = reason;
+    sentence[0] = sentence[0].toUpper();
+    return words + separator + sentence + u'.';
 }
 
 } // namespace quorlin

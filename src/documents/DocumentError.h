@@ -34,6 +34,13 @@ struct DocumentError {
     std::optional<QString> filePath;
     // What the user reads.
     QString words;
+    // Where and why a file was refused, after the words: the parser's reason
+    // and line, or what is wrong with the signed message. Empty when there
+    // is nothing to add.
+    QString reason;
+
+    // The words followed by the reason as a sentence of its own.
+    QString wordsWithReason(const QString& separator = QStringLiteral(" ")) const;
 
     static DocumentError refusal(int code, const std::optional<QString>& filePath);
     static DocumentError noData();

@@ -1,11 +1,13 @@
 #include "documents/ProfileDocument.h"
 
+#include "documents/BoundedFileReader.h"
 #include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
 #include "documents/EnvelopeServices.h"
 #include "documents/EnvelopeWords.h"
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
+#include "plist/PlistReader.h"
 #include "plist/UserDefaults.h"
 
 #include <QFile>
@@ -77,13 +79,59 @@ private:
     ProfileDocument& m_document;
 };
 
+namespace {
+
+// What is wrong with a property list that should be a profile's.
+QString contentFault(const QByteArray& data, const QString& unreadable) {
+    const auto read = plist::PlistReader::read(data);
+    if (!read)
+        return unreadable + read.error().toString();
+    const plist::Dictionary* root = read->root.dictionary();
+    if (!root)
+        return QStringLiteral("the property list holds no dictionary at its top");
+    const auto type = root->string(QStringLiteral("PayloadType"));
+    if (type != QStringLiteral("Configuration"))
+        return QStringLiteral("its “PayloadType” is “%1”, not “Configuration”").arg(type.value_or(QString()));
+    if (!root->array(QStringLiteral("PayloadContent")))
+        return QStringLiteral("it has no “PayloadContent” array");
+    return {};
+}
+
+// Where and why a file was refused, for the words after the refusal's own.
+QString refusalReason(const QByteArray& data, const ProfileEnvironment& environment,
+                      const Profile::DomainList& domains) {
+    const bool hasGeneralDomain = std::any_of(
+        domains.begin(), domains.end(), [](const auto& domain) { return domain->domainString().isEmpty(); });
+    if (!hasGeneralDomain)
+        return QStringLiteral("the manifests in use have no domain for the general settings");
+    if (plist::PlistReader::read(data))
+        return contentFault(data, {});
+    // DER starts with a SEQUENCE; PEM with its armour.
+    const bool looksSigned = data.startsWith('\x30') || data.startsWith("-----BEGIN");
+    const auto signedContent =
+        environment.signingServices ? environment.signingServices->readSignedContent(data) : std::nullopt;
+    if (signedContent)
+        return contentFault(signedContent->content,
+                            QStringLiteral("the signed content is not a property list: "));
+    if (looksSigned)
+        return QStringLiteral("it looks like a CMS signed message, but one that can't be decoded (damaged, "
+                              "cut short or of another kind)");
+    return contentFault(data, QStringLiteral("not a property list: "));
+}
+
+} // namespace
+
 Expected<Profile::Pointer, DocumentError>
 ProfileDocument::makeProfile(const QByteArray& data, const Profile::DomainList& domains,
                              std::shared_ptr<const ProfileEnvironment> environment,
                              const std::optional<QString>& filePath) {
-    auto parsed = Profile::parseProfile(data, domains, std::move(environment));
-    if (!parsed)
-        return fail(DocumentError::refusal(codeOf(parsed.error()), filePath));
+    auto parsed = Profile::parseProfile(data, domains, environment);
+    if (!parsed) {
+        DocumentError refusal = DocumentError::refusal(codeOf(parsed.error()), filePath);
+        if (parsed.error() == Profile::Errors::profileParsingFailedUnknown)
+            refusal.reason = refusalReason(data, *environment, domains);
+        return fail(refusal);
+    }
     return std::move(parsed.value());
 }
 
@@ -117,11 +165,11 @@ Expected<bool, DocumentError> ProfileDocument::readFromData(const QByteArray& da
 }
 
 Expected<bool, DocumentError> ProfileDocument::readFromFile(const QString& filePath) {
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(DocumentError::fileFailed(int(file.error()), file.errorString()));
+    const auto bytes = BoundedFileReader::read(filePath);
+    if (!bytes)
+        return fail(DocumentError::fileFailed(int(QFileDevice::ReadError), bytes.error()));
     m_filePath = filePath;
-    return readFromData(file.readAll());
+    return readFromData(*bytes);
 }
 
 void ProfileDocument::adoptProfile(Profile::Pointer profile) {

@@ -11,8 +11,12 @@ namespace quorlin {
 struct SignerVerification {
     QString commonName; // empty when the certificate or its name is missing
     bool isSignatureIntact = false;
+    // Judged apart from the dates, which the two flags below tell.
     bool isChainTrusted = false;
+    // Why not, in plain words; empty when trusted.
+    QString untrustedReason;
     bool isExpired = false;
+    bool isNotYetValid = false;
 };
 
 struct SignedMessage {

@@ -1,5 +1,6 @@
 #include "documents/SigningServices.h"
 
+#include "documents/BoundedFileReader.h"
 #include "documents/CertificateTrust.h"
 #include "documents/IdentityFile.h"
 #include "documents/OpenSslHandles.h"
@@ -115,8 +116,11 @@ SignerVerification verifySigner(CMS_SignerInfo* info, const ContentDigests& dige
     const bool hasSignedAttributes = CMS_signed_get_attr_count(info) > 0;
     const bool attributesIntact = !hasSignedAttributes || CMS_SignerInfo_verify(info) == 1;
     verification.isSignatureIntact = attributesIntact && digests.matches(info);
-    verification.isChainTrusted = trust.isTrusted(signer, embedded);
+    const CertificateTrust::ChainVerdict chain = trust.judgeChain(signer, embedded);
+    verification.isChainTrusted = chain.isTrusted;
+    verification.untrustedReason = chain.reason;
     verification.isExpired = X509_cmp_current_time(X509_get0_notAfter(signer)) < 0;
+    verification.isNotYetValid = X509_cmp_current_time(X509_get0_notBefore(signer)) > 0;
     ERR_clear_error();
     return verification;
 }
@@ -136,6 +140,16 @@ QString SigningServices::anchorsFolder() const {
     return QDir(m_dataFolder).filePath(QStringLiteral("anchors"));
 }
 
+Expected<bool, QString> SigningServices::addAnchorFile(const QString& path) {
+    const auto contents = BoundedFileReader::read(path);
+    if (!contents)
+        return fail(contents.error());
+    if (CertificateTrust::certificateCount(*contents) == 0)
+        return fail(QStringLiteral("holds no certificate in PEM or DER form"));
+    m_anchorFiles.append(path);
+    return true;
+}
+
 QString SigningServices::unknownName() {
     return QStringLiteral("Unknown");
 }
@@ -147,7 +161,7 @@ std::optional<QList<SigningIdentity>> SigningServices::listIdentities() const {
         return QList<SigningIdentity>{};
     if (!folder.isReadable())
         return std::nullopt;
-    const CertificateTrust trust(anchorsFolder());
+    const CertificateTrust trust(anchorsFolder(), m_anchorFiles);
     QList<SigningIdentity> identities;
     for (const QString& fileName : folder.entryList({QStringLiteral("*.pem")}, QDir::Files, QDir::Name)) {
         const QString path = folder.filePath(fileName);
@@ -177,12 +191,41 @@ std::optional<SigningIdentity> SigningServices::identityNamed(const QString& nam
     return std::nullopt;
 }
 
+namespace {
+
+QDateTime dateOf(const ASN1_TIME* time) {
+    struct tm parts {};
+    if (ASN1_TIME_to_tm(time, &parts) != 1)
+        return {};
+    return QDateTime(QDate(parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday),
+                     QTime(parts.tm_hour, parts.tm_min, parts.tm_sec), Qt::UTC);
+}
+
+} // namespace
+
+std::optional<SigningServices::CertificateFacts>
+SigningServices::certificateFacts(const SigningIdentity& identity) const {
+    const std::optional<openssl::CertificateStack> certificates =
+        IdentityFile::readCertificates(identity.secIdentity.filePath);
+    if (!certificates || sk_X509_num(certificates->get()) < 1)
+        return std::nullopt;
+    X509* leaf = sk_X509_value(certificates->get(), 0);
+    unsigned char digest[EVP_MAX_MD_SIZE];
+    unsigned int length = 0;
+    if (X509_digest(leaf, EVP_sha256(), digest, &length) != 1)
+        return std::nullopt;
+    const QByteArray hex =
+        QByteArray(reinterpret_cast<const char*>(digest), int(length)).toHex(':').toUpper();
+    return CertificateFacts{QString::fromLatin1(hex), dateOf(X509_get0_notBefore(leaf)),
+                            dateOf(X509_get0_notAfter(leaf))};
+}
+
 bool SigningServices::isTrusted(const SigningIdentity& identity) const {
     std::optional<openssl::CertificateStack> certificates =
         IdentityFile::readCertificates(identity.secIdentity.filePath);
     if (!certificates)
         return false;
-    const CertificateTrust trust(anchorsFolder());
+    const CertificateTrust trust(anchorsFolder(), m_anchorFiles);
     return trust.isTrusted(sk_X509_value(certificates->get(), 0), certificates->get());
 }
 
@@ -247,7 +290,7 @@ std::optional<QByteArray> SigningServices::encodeSignedMessage(const QByteArray&
         ERR_clear_error();
         return std::nullopt;
     }
-    const CertificateTrust trust(anchorsFolder());
+    const CertificateTrust trust(anchorsFolder(), m_anchorFiles);
     const std::optional<openssl::CertificateStack> verified =
         trust.verifiedChain(signer, certificates->get());
     const QList<X509*> chain = certificatesToEmbed(certificates->get(), verified ? verified->get() : nullptr);
@@ -268,7 +311,7 @@ std::optional<SignedMessage> SigningServices::decodeSignedMessage(const QByteArr
 
     CMS_set1_signers_certs(cms.get(), nullptr, 0);
     const openssl::CertificateStack embedded(CMS_get1_certs(cms.get()));
-    const CertificateTrust trust(anchorsFolder());
+    const CertificateTrust trust(anchorsFolder(), m_anchorFiles);
     const ContentDigests digests(cms.get());
     SignedMessage message{*content, {}, {}};
     for (int index = 0; index < sk_CMS_SignerInfo_num(infos); ++index) {

@@ -2,10 +2,13 @@
 
 #include "documents/SignedMessage.h"
 #include "documents/SigningIdentity.h"
+#include "plist/Expected.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -25,6 +28,10 @@ public:
     QString identitiesFolder() const;
     PassphraseProvider* passphraseProvider() const { return m_passphrases; }
     QString anchorsFolder() const;
+    // Trusts the roots of a PEM or DER file besides the anchors, for the
+    // life of this object. The error is the reason alone: a file that
+    // can't be read or holds no certificate.
+    Expected<bool, QString> addAnchorFile(const QString& path);
 
     // In file-name order. Nothing when the folder can't be read.
     std::optional<QList<SigningIdentity>> listIdentities() const;
@@ -32,6 +39,13 @@ public:
     // The first with that exact name, in listing order.
     std::optional<SigningIdentity> identityNamed(const QString& name) const;
     bool isTrusted(const SigningIdentity& identity) const;
+    // What tells identities of one name apart, and when one runs out.
+    struct CertificateFacts {
+        QString fingerprint; // SHA-256 of the certificate, hex pairs joined by colons
+        QDateTime notBefore;
+        QDateTime notAfter;
+    };
+    std::optional<CertificateFacts> certificateFacts(const SigningIdentity& identity) const;
 
     // Stores the identity of a PKCS#12 file with its key encrypted under the
     // new passphrase. Nothing on a wrong password or an unreadable file.
@@ -50,6 +64,7 @@ public:
 private:
     PassphraseProvider* m_passphrases;
     QString m_dataFolder;
+    QStringList m_anchorFiles;
 };
 
 } // namespace quorlin

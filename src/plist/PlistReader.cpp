@@ -3,6 +3,7 @@
 #include "plist/BinaryReader.h"
 #include "plist/OpenStepReader.h"
 #include "plist/XmlReader.h"
+#include "plist/XmlTextDecoder.h"
 
 namespace quorlin::plist {
 
@@ -24,12 +25,24 @@ Format PlistReader::detectFormat(const QByteArray& bytes) {
 
 Expected<ReadResult, ParseError> PlistReader::read(const QByteArray& bytes, const ReadLimits& limits) {
     const Format format = detectFormat(bytes);
-    auto result = format == Format::Binary ? BinaryReader::read(bytes, limits)
-                  : format == Format::Xml  ? XmlReader::read(bytes, limits)
-                                           : OpenStepReader::read(bytes, limits);
+    if (format == Format::Xml) {
+        const auto text = XmlTextDecoder::toUtf8(bytes);
+        if (!text)
+            return fail(text.error());
+        return readXml(*text, limits);
+    }
+    auto result =
+        format == Format::Binary ? BinaryReader::read(bytes, limits) : OpenStepReader::read(bytes, limits);
     if (!result)
         return fail(result.error());
     return ReadResult{std::move(result).value(), format};
+}
+
+Expected<ReadResult, ParseError> PlistReader::readXml(const QByteArray& utf8, const ReadLimits& limits) {
+    auto result = XmlReader::read(utf8, limits);
+    if (!result)
+        return fail(result.error());
+    return ReadResult{std::move(result).value(), Format::Xml};
 }
 
 } // namespace quorlin::plist

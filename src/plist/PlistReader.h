@@ -21,6 +21,9 @@ class PlistReader {
 public:
     static Expected<ReadResult, ParseError> read(const QByteArray& bytes, const ReadLimits& limits = {});
     static Format detectFormat(const QByteArray& bytes);
+
+private:
+    static Expected<ReadResult, ParseError> readXml(const QByteArray& utf8, const ReadLimits& limits);
 };
 
 } // namespace quorlin::plist

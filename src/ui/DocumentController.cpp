@@ -152,7 +152,7 @@ void DocumentController::reportOpenFailure(const QString& filePath, const Docume
     }
     const QString title =
         QStringLiteral("The document “%1” could not be opened.").arg(QFileInfo(filePath).fileName());
-    WindowNoticePresenter::showError(over, title, error.words);
+    WindowNoticePresenter::showError(over, title, error.wordsWithReason(QStringLiteral("\n\n")));
 }
 
 void DocumentController::showOpenDialog(QWidget* parent) {

@@ -2,6 +2,7 @@
 
 #include "plist/PlistReader.h"
 #include "plist/XmlWriter.h"
+#include "support/ScratchMount.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -219,4 +220,15 @@ TEST_F(ManifestsStandardizeCommandTest, SupportFilesOverlayTheirDomains) {
     ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
     EXPECT_EQ(readTree(destination("com.example.network.plist"))->string("pfm_title"), "Network (corrected)");
     EXPECT_EQ(readTree(destination("com.example.editor.plist"))->string("pfm_title"), "Editor");
+}
+
+TEST_F(ManifestsStandardizeCommandTest, AFullDiskIsReportedWithItsReason) {
+    const test::ScratchMount full;
+    if (!full.isMounted())
+        GTEST_SKIP() << test::ScratchMount::kSkipReason;
+    ASSERT_TRUE(QDir().mkpath(full.path("dest")));
+    full.fillAfter("other", {});
+    const ToolRun run = m_tool.run({"manifests", "standardize", source(), full.path("dest")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.error.contains(": cannot write: no space left on the device")) << run.error.toStdString();
 }

@@ -105,7 +105,7 @@ TEST_F(PlistCommandsTest, LintReportsAFileThatCannotBeOpenedAsAnInputError) {
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.output.isEmpty());
     EXPECT_EQ(run.error,
-              "missing.plist: cannot open: No such file or directory\n.: cannot open: is a directory\n");
+              "missing.plist: cannot open: no such file or directory\n.: cannot open: is a directory\n");
 
     const ToolRun none = m_tool.run({"plist", "lint"});
     EXPECT_EQ(none.exitCode, 2);
@@ -182,7 +182,7 @@ TEST_F(PlistCommandsTest, ConvertLeavesFilesAsTheyWereWhenItFails) {
 
     const ToolRun missing = m_tool.run({"plist", "convert", "-f", "binary1", "missing.plist"});
     EXPECT_EQ(missing.exitCode, 2);
-    EXPECT_EQ(missing.error, "missing.plist: cannot open: No such file or directory\n");
+    EXPECT_EQ(missing.error, "missing.plist: cannot open: no such file or directory\n");
 }
 
 TEST_F(PlistCommandsTest, ConvertReportsAnOutputThatCannotBeWritten) {

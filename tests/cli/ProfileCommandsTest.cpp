@@ -129,7 +129,7 @@ TEST_F(ProfileCommandsTest, CheckJsonHoldsEachFindingWithItsPayloadAndKeyPath) {
     const QJsonArray errors = report["errors"].toArray();
     ASSERT_EQ(errors.size(), 1);
     EXPECT_EQ(errors.first().toObject()["file"].toString(), "gone.mobileconfig");
-    EXPECT_EQ(checked.error, "gone.mobileconfig: cannot open: No such file or directory\n");
+    EXPECT_EQ(checked.error, "gone.mobileconfig: cannot open: no such file or directory\n");
 }
 
 TEST_F(ProfileCommandsTest, CheckHoldsKeysAgainstTheTargetsGiven) {
@@ -209,11 +209,11 @@ TEST_F(ProfileCommandsTest, CheckOpensFoldersAndRefusesWhatIsNoConfigurationProf
         (QStringList{
             "profiles/empty.mobileconfig: the file is empty",
             "profiles/junk.mobileconfig: The document could not be opened because it is not a readable "
-            "configuration profile.",
+            "configuration profile. Not a property list: expected '=' after the key \"not\" (line 1).",
             "profiles/nested/enroll.mobileconfig: The document “enroll.mobileconfig” is an MDM enrollment "
             "profile and not a configuration profile.",
             "profiles/nested/other.mobileconfig: The document could not be opened because it is not a "
-            "readable configuration profile.",
+            "readable configuration profile. Its “PayloadType” is “Something Else”, not “Configuration”.",
             "profiles/nested/service.mobileconfig: The document “service.mobileconfig” is a profile service "
             "payload and not a configuration profile.",
         }));
@@ -232,6 +232,10 @@ TEST_F(ProfileCommandsTest, CheckUsageErrorsSayWhatIsWrong) {
                   "quorlin-profile check: unknown platform 'Android' (use iOS, macOS, tvOS, watchOS)\n"},
              Case{{"check", "a.mobileconfig", "--strict"},
                   "quorlin-profile check: unknown option '--strict'\n"},
+             Case{{"check", "a.mobileconfig", "--platform", "iOS", "--os-min", "fourteen"},
+                  "quorlin-profile check: --os-min takes a version such as 14 or 13.5.1, not 'fourteen'\n"},
+             Case{{"check", "a.mobileconfig", "--platform", "iOS", "--os-max", "15..1"},
+                  "quorlin-profile check: --os-max takes a version such as 14 or 13.5.1, not '15..1'\n"},
          }) {
         SCOPED_TRACE(c.arguments.join(u' ').toStdString());
         const ToolRun checked = m_tool.run(c.arguments);
@@ -242,6 +246,13 @@ TEST_F(ProfileCommandsTest, CheckUsageErrorsSayWhatIsWrong) {
     const ToolRun badFolder = m_tool.run({"check", "a.mobileconfig", "--manifests", "nowhere"});
     EXPECT_EQ(badFolder.exitCode, 2);
     EXPECT_EQ(badFolder.error, "quorlin-profile check: nowhere: not a folder\n");
+    // A folder of manifests that can't read any profile is the fault, not the profile.
+    const ToolRun noGeneral = m_tool.run({"check", "a.mobileconfig", "--manifests",
+                                          quorlin::test::testDataPath("cli/manifests-without-general")});
+    EXPECT_EQ(noGeneral.exitCode, 2);
+    EXPECT_TRUE(noGeneral.error.endsWith("manifests-without-general: no manifest here describes the general "
+                                         "settings of a profile\n"))
+        << noGeneral.error.toStdString();
 }
 
 TEST_F(ProfileCommandsTest, FormatRewritesOnlyWhatIsNotInTheEditorsForm) {

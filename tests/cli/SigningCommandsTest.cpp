@@ -10,6 +10,7 @@
 #include <QProcess>
 
 using namespace quorlin;
+using quorlin::test::CertificateValidity;
 using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::TestCertificate;
@@ -114,7 +115,7 @@ TEST_F(SigningCommandsTest, IdentityImportRefusesWrongAndMissingSecrets) {
     EXPECT_TRUE(m_tool.run({"identity", "list"}).output.isEmpty()) << "nothing was imported";
     const ToolRun missing = m_tool.run({"identity", "import", "gone.p12", "--password-file", "password.txt"});
     EXPECT_EQ(missing.exitCode, 2);
-    EXPECT_EQ(missing.error, "gone.p12: cannot open: No such file or directory\n");
+    EXPECT_EQ(missing.error, "gone.p12: cannot open: no such file or directory\n");
 }
 
 TEST_F(SigningCommandsTest, SignVerifyAndUnsignMakeTheRoundTrip) {
@@ -158,9 +159,9 @@ TEST_F(SigningCommandsTest, VerifyReportsUntrustedBrokenAndUnsignedFiles) {
     EXPECT_EQ(verified.exitCode, 1);
     EXPECT_EQ(lines(verified.output),
               (QStringList{"signed.mobileconfig: signed by “Quorlin CLI Signer”: signature intact, chain "
-                           "untrusted, certificate valid",
+                           "untrusted (its root is not among the trusted roots), certificate valid",
                            "tampered.mobileconfig: signed by “Quorlin CLI Signer”: signature broken, chain "
-                           "untrusted, certificate valid",
+                           "untrusted (its root is not among the trusted roots), certificate valid",
                            "relay.mobileconfig: not signed"}));
 
     const QJsonArray json =
@@ -174,6 +175,84 @@ TEST_F(SigningCommandsTest, VerifyReportsUntrustedBrokenAndUnsignedFiles) {
     const ToolRun checked = run({"check", "tampered.mobileconfig"});
     EXPECT_EQ(checked.exitCode, 1);
     EXPECT_EQ(checked.output, "tampered.mobileconfig: the signature of “Quorlin CLI Signer” is broken\n");
+}
+
+TEST_F(SigningCommandsTest, VerifyJudgesTheChainApartFromTheDatesAndTakesACaFile) {
+    const struct {
+        const char* name;
+        CertificateValidity validity;
+        const char* warning;
+        const char* dates;
+    } signers[] = {
+        {"Expired Signer", {-30, -1}, "expired on", "expired"},
+        {"Future Signer", {1, 30}, "is not valid before", "not yet valid"},
+    };
+    goodProfile("relay.mobileconfig");
+    writeFile("root.pem", TestPki::pem(root.certificate.get()));
+    writeFile("junk.pem", "no certificate here");
+    for (const auto& each : signers) {
+        SCOPED_TRACE(each.name);
+        const TestCertificate signer =
+            TestPki::issue(QString::fromUtf8(each.name), &intermediate, false, each.validity);
+        writeFile(
+            "other.p12",
+            TestPki::pkcs12(signer, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
+        ASSERT_EQ(m_tool
+                      .run({"identity", "import", "other.p12", "--password-file", "password.txt",
+                            "--passphrase-file", "passphrase.txt"})
+                      .exitCode,
+                  0);
+        const ToolRun signedRun = run({"sign", "relay.mobileconfig", "--identity", each.name, "-o",
+                                       "dated.mobileconfig", "--passphrase-file", "passphrase.txt"});
+        EXPECT_EQ(signedRun.exitCode, 0) << signedRun.error.toStdString();
+        EXPECT_TRUE(signedRun.error.contains(each.warning)) << signedRun.error.toStdString();
+
+        const QString line = QStringLiteral(
+            "dated.mobileconfig: signed by “%1”: signature intact, chain %2, certificate %3\n");
+        const ToolRun untrusted = m_tool.run({"verify", "dated.mobileconfig"});
+        EXPECT_EQ(untrusted.exitCode, 1);
+        EXPECT_EQ(QString::fromUtf8(untrusted.output),
+                  line.arg(each.name, "untrusted (its root is not among the trusted roots)", each.dates));
+        const ToolRun trusted = m_tool.run({"verify", "dated.mobileconfig", "--ca-file", "root.pem"});
+        EXPECT_EQ(trusted.exitCode, 1) << "a certificate out of its dates is still a finding";
+        EXPECT_EQ(QString::fromUtf8(trusted.output), line.arg(each.name, "trusted", each.dates));
+    }
+    const ToolRun junk = m_tool.run({"verify", "relay.mobileconfig", "--ca-file", "junk.pem"});
+    EXPECT_EQ(junk.exitCode, 2);
+    EXPECT_EQ(junk.error, "junk.pem: cannot use as --ca-file: holds no certificate in PEM or DER form\n");
+}
+
+TEST_F(SigningCommandsTest, IdentitiesOfOneNameAreListedAndChosenByFingerprint) {
+    ASSERT_EQ(importSigner().exitCode, 0);
+    const TestCertificate twin = TestPki::issue(kSigner, &intermediate, false);
+    writeFile("twin.p12",
+              TestPki::pkcs12(twin, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
+    ASSERT_EQ(m_tool
+                  .run({"identity", "import", "twin.p12", "--password-file", "password.txt",
+                        "--passphrase-file", "passphrase.txt"})
+                  .exitCode,
+              0);
+    goodProfile("relay.mobileconfig");
+    const QJsonArray identities =
+        QJsonDocument::fromJson(m_tool.run({"identity", "list", "--json"}).output).array();
+    ASSERT_EQ(identities.size(), 2);
+
+    const ToolRun ambiguous = sign("relay.mobileconfig", "out");
+    EXPECT_EQ(ambiguous.exitCode, 2);
+    for (const auto& identity : identities) {
+        const QString fingerprint = identity.toObject()["fingerprint"].toString();
+        EXPECT_EQ(fingerprint.size(), 32 * 3 - 1);
+        EXPECT_TRUE(ambiguous.error.contains(fingerprint.toUtf8())) << ambiguous.error.toStdString();
+    }
+    EXPECT_TRUE(ambiguous.error.startsWith(
+        "relay.mobileconfig: 2 signing identities are named “Quorlin CLI Signer”"));
+    EXPECT_FALSE(QFileInfo::exists(m_tool.path("out")));
+
+    const QString chosen = identities[1].toObject()["fingerprint"].toString().toLower().remove(':');
+    const ToolRun byFingerprint = run({"sign", "relay.mobileconfig", "--identity", chosen, "-o", "out",
+                                       "--passphrase-file", "passphrase.txt"});
+    EXPECT_EQ(byFingerprint.exitCode, 0) << byFingerprint.error.toStdString();
+    EXPECT_TRUE(byFingerprint.error.isEmpty());
 }
 
 TEST_F(SigningCommandsTest, SignRefusesUnknownIdentitiesWrongPassphrasesAndNonProfiles) {
@@ -196,7 +275,7 @@ TEST_F(SigningCommandsTest, SignRefusesUnknownIdentitiesWrongPassphrasesAndNonPr
     const ToolRun junk = sign("junk.mobileconfig", "out");
     EXPECT_EQ(junk.exitCode, 2);
     EXPECT_EQ(junk.error, "junk.mobileconfig: The document could not be opened because it is not a readable "
-                          "configuration profile.\n");
+                          "configuration profile. The property list holds no dictionary at its top.\n");
     EXPECT_FALSE(QFileInfo::exists(m_tool.path("out")));
     const ToolRun noIdentity = run({"sign", "relay.mobileconfig", "-o", "out"});
     EXPECT_EQ(noIdentity.exitCode, 2);

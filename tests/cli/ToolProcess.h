@@ -35,8 +35,14 @@ public:
     QString configFolder() const { return path(QStringLiteral("xdg-config")); }
     QString dataFolder() const { return path(QStringLiteral("xdg-data")); }
 
-    ToolRun run(const QStringList& arguments) const {
+    // Standard input and output may come from and go to files, "/dev/full" among them.
+    ToolRun run(const QStringList& arguments, const QString& standardInput = {},
+                const QString& standardOutput = {}) const {
         QProcess process;
+        if (!standardInput.isEmpty())
+            process.setStandardInputFile(standardInput);
+        if (!standardOutput.isEmpty())
+            process.setStandardOutputFile(standardOutput);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder());
         environment.insert(QStringLiteral("XDG_DATA_HOME"), dataFolder());

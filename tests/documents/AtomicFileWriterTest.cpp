@@ -2,13 +2,18 @@
 
 #include "documents/AtomicFileWriter.h"
 
+#include "support/ScratchMount.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quorlin::test {
 namespace {
@@ -32,9 +37,18 @@ protected:
         QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup;
 };
 
-TEST_F(AtomicFileWriterTest, ReplacedFileKeepsItsPermissions) {
+TEST_F(AtomicFileWriterTest, ReplacedFileKeepsItsPermissionsOwnerAndGroup) {
     const QString file = existingFile("old", ownerAndGroupRead);
+    // Only root can give a file away; others keep their own.
+    const bool givesAway = ::geteuid() == 0;
+    if (givesAway) {
+        ASSERT_EQ(::chown(QFile::encodeName(file).constData(), 4321, 8765), 0);
+    }
     ASSERT_TRUE(AtomicFileWriter().write(file, "new contents"));
+    struct stat status {};
+    ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &status), 0);
+    EXPECT_EQ(status.st_uid, givesAway ? 4321u : ::geteuid());
+    EXPECT_EQ(status.st_gid, givesAway ? 8765u : ::getegid());
     EXPECT_EQ(readFile(file), "new contents");
     EXPECT_EQ(QFile::permissions(file) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
               ownerAndGroupRead);
@@ -68,6 +82,37 @@ TEST_F(AtomicFileWriterTest, UnwritablePlaceFailsWithTheSystemsReason) {
     ASSERT_FALSE(written);
     EXPECT_EQ(written.error().domain, DocumentError::fileErrorDomain);
     EXPECT_FALSE(written.error().words.isEmpty());
+}
+
+// A full disk and a read-only file system, met for real: the old file stays
+// byte for byte, no temporary file is left, and the reason is the system's.
+TEST_F(AtomicFileWriterTest, RefusedWritesLeaveTheOldFileAndSayWhy) {
+    const ScratchMount full;
+    const ScratchMount readOnly;
+    if (!full.isMounted())
+        GTEST_SKIP() << ScratchMount::kSkipReason;
+    const QByteArray old(5000, 'o');
+    full.fillAfter(QStringLiteral("p.mobileconfig"), old);
+    ASSERT_TRUE(readOnly.readOnlyAfter(QStringLiteral("p.mobileconfig"), old));
+    const struct {
+        QString path;
+        const char* reason;
+    } cases[] = {
+        {full.path(QStringLiteral("p.mobileconfig")), "no space left on the device"},
+        {readOnly.path(QStringLiteral("p.mobileconfig")), "the file system is read-only"},
+        {QStringLiteral("/dev/full"), "no space left on the device"},
+    };
+    for (const auto& each : cases) {
+        const QStringList before =
+            QDir(QFileInfo(each.path).path()).entryList(QDir::AllEntries | QDir::Hidden);
+        const auto written = AtomicFileWriter().write(each.path, QByteArray(100000, 'n'));
+        ASSERT_FALSE(written) << each.path.toStdString();
+        EXPECT_EQ(written.error().words, QString::fromUtf8(each.reason));
+        EXPECT_EQ(QDir(QFileInfo(each.path).path()).entryList(QDir::AllEntries | QDir::Hidden), before);
+        if (!each.path.startsWith(QStringLiteral("/dev/"))) {
+            EXPECT_EQ(readFile(each.path), old);
+        }
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "DocumentFixture.h"
 
 #include "documents/DocumentErrorWords.h"
+#include "support/ScratchMount.h"
 
 namespace quorlin::test {
 namespace {
@@ -177,6 +178,24 @@ TEST_F(ProfileDocumentSaveTest, IdentityThatIsGoneGivesNoDataAndTouchesNothing) 
     EXPECT_EQ(empty->data().error().code, -4);
     EXPECT_FALSE(empty->writeToFile(path(QStringLiteral("never.mobileconfig")), SaveOperation::save));
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("never.mobileconfig"))));
+}
+
+TEST_F(ProfileDocumentSaveTest, SaveOnAFullDiskFailsWithTheReasonAndKeepsTheFile) {
+    const ScratchMount disk;
+    if (!disk.isMounted())
+        GTEST_SKIP() << ScratchMount::kSkipReason;
+    disk.fillAfter(QStringLiteral("full.mobileconfig"), simpleProfile());
+    auto document = makeDocument();
+    ASSERT_TRUE(document->readFromFile(disk.path(QStringLiteral("full.mobileconfig"))));
+    edit(*document, QStringLiteral("Longer Than Before, So It Must Be Written"));
+    defaults.set(DefaultsKey::preferencesDefaultsSigningIdentity, QStringLiteral("Before"));
+
+    const auto failed = document->save(SaveOperation::save);
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(failed.error().words, QStringLiteral("no space left on the device"));
+    EXPECT_EQ(readFile(disk.path(QStringLiteral("full.mobileconfig"))), simpleProfile());
+    EXPECT_TRUE(document->isDocumentEdited());
+    EXPECT_EQ(defaults.string(DefaultsKey::preferencesDefaultsSigningIdentity), QStringLiteral("Before"));
 }
 
 TEST_F(ProfileDocumentSaveTest, OnlyUserSavesUpdateTheDefaults) {

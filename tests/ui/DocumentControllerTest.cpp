@@ -142,7 +142,10 @@ TEST_F(DocumentControllerTest, RefusedFilesAreReportedAndTheOthersOpen) {
     auto* error = waitForWidget<QMessageBox>(WindowNoticePresenter::errorObjectName);
     ASSERT_TRUE(error);
     EXPECT_TRUE(error->text().contains(QStringLiteral("not-a-profile.mobileconfig")));
-    EXPECT_EQ(error->informativeText(), DocumentErrorWords::cannotRead);
+    // The refusal's words, then where and why.
+    EXPECT_TRUE(error->informativeText().startsWith(DocumentErrorWords::cannotRead +
+                                                    QStringLiteral("\n\nNot a property list: ")))
+        << error->informativeText().toStdString();
 }
 
 TEST_F(DocumentControllerTest, ProfilesDroppedOnAWindowOpen) {
