@@ -80,6 +80,9 @@ DocumentNotice DocumentNotice::quorlinLibrarySaveFailed(LibraryFailure failure) 
     }
     DocumentNotice notice = informational(Kind::quorlinLibrarySaveFailed, title, text, QString());
     notice.suppressionTitle.clear();
+    return notice;
+}
+
 DocumentNotice DocumentNotice::payloadsEncrypted(const QString& recipients) {
     return unsilenced(Kind::payloadsEncrypted, EnvelopeWords::encryptedTitle,
                       EnvelopeWords::encryptedInfo.arg(recipients));

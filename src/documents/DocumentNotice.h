@@ -17,7 +17,7 @@ struct DocumentNotice {
         profileInvalidOnSave,
         savedToQuorlinLibrary,
         quorlinLibraryIdentifierClash,
-        quorlinLibrarySaveFailed
+        quorlinLibrarySaveFailed,
         payloadsEncrypted,
         payloadsDecryptable,
         recipientsMissing
