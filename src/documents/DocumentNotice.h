@@ -12,7 +12,8 @@ struct DocumentNotice {
         signingIdentityMissing,
         malformedPayloadContentRemoved,
         iOS15SilentInstallIncompatibility,
-        profileInvalidOnSave
+        profileInvalidOnSave,
+        singlePayloadWrapped
     };
     enum class Style { informational, warning };
     enum class KeyEquivalent { none, returnKey, escapeKey };
@@ -36,7 +37,9 @@ struct DocumentNotice {
     static DocumentNotice signingIdentityMissing();
     static DocumentNotice malformedPayloadContentRemoved();
     static DocumentNotice iOS15SilentInstallIncompatibility();
-    static DocumentNotice profileInvalidOnSave(int invalidValueCount);
+    // With held values, the text names how many the file keeps.
+    static DocumentNotice profileInvalidOnSave(int invalidValueCount, qsizetype heldValueCount = 0);
+    static DocumentNotice singlePayloadWrapped();
 
     bool operator==(const DocumentNotice&) const = default;
 };
