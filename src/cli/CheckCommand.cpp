@@ -7,6 +7,7 @@
 #include "cli/ProfileFiles.h"
 #include "cli/ProfileFindings.h"
 #include "cli/ProfileOpener.h"
+#include "plist/PlistReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -27,6 +28,24 @@ struct Report {
     QList<ProfileFindings::Finding> findings;
     QJsonArray errors;
 };
+
+// A file that isn't a property list: where and why the parser stopped helps
+// more than that it did. A signed file is left to the opener's words.
+QString withParserReason(const QString& file, const InputFile::Error& error) {
+    if (error.kind != InputFile::Error::Kind::invalid)
+        return error.message;
+    const auto bytes = InputFile::read(file);
+    if (!bytes || bytes->isEmpty() || bytes->startsWith('\x30'))
+        return error.message;
+    const auto read = plist::PlistReader::read(*bytes);
+    if (read)
+        return error.message;
+    const plist::ParseError& parse = read.error();
+    const QString place = parse.line >= 0         ? QStringLiteral(" at line %1").arg(parse.line)
+                          : parse.byteOffset >= 0 ? QStringLiteral(" at byte %1").arg(parse.byteOffset)
+                                                  : QString();
+    return error.message + QStringLiteral(" The parser stopped%1: %2.").arg(place, parse.reason);
+}
 
 } // namespace
 
@@ -49,7 +68,8 @@ QString CheckCommand::help() const {
                "\n"
                "Each finding is one line: the file, the payload (type, display name and\n"
                "UUID), the key path (names joined with \".\") and the message. A file with\n"
-               "nothing found prints \"FILE: OK\". Files that can't be opened, and profile\n"
+               "nothing found prints \"FILE: OK\". Files that can't be opened (with the\n"
+               "parser's reason and line for one that isn't a property list), and profile\n"
                "service or enrollment payloads, are reported on standard error.\n"
                "\n"
                "Like a file opened in the editor, a check has no targets unless given:\n"
@@ -57,9 +77,9 @@ QString CheckCommand::help() const {
                "                   may be given again, or as a comma list\n"
                "  --os-min VERSION the lowest OS version aimed at, on every platform given\n"
                "  --os-max VERSION the highest OS version aimed at, on every platform given;\n"
-               "                   as in the editor, a bound left out is the lowest or highest\n"
-               "                   version there is, so without --os-min every key introduced\n"
-               "                   in some version is reported on a platform given\n"
+               "                   a bound left out is the one the editor's validation\n"
+               "                   settings hold for the platform, as for a new profile there;\n"
+               "                   with none there, the lowest or highest version there is\n"
                "  --manifests DIR  take the domains from the manifests in DIR\n"
                "  --json           print one JSON object instead: \"checked\" (the number of\n"
                "                   files opened), \"findings\" (objects with file, payloadType,\n"
@@ -106,7 +126,7 @@ int CheckCommand::check(const Request& request, CommandStreams& streams) {
     for (const QString& file : expansion.files) {
         const auto opened = opener.open(file);
         if (!opened) {
-            reportError(file, opened.error().message);
+            reportError(file, withParserReason(file, opened.error()));
             continue;
         }
         ++report.checked;

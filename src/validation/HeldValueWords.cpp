@@ -12,15 +12,16 @@ using Kind = PFMKeyPrototype::Kind;
 using Type = plist::Value::Type;
 
 namespace text {
-const QString wrongClass = QStringLiteral(
-    "The file holds %1 here, where the manifest wants %2; it is kept as it is until you set or remove it.");
-const QString excluded = QStringLiteral("The manifest leaves this key out while %1; the file's value is "
-                                        "kept as it is until you set or remove it.");
+const QString wrongClass = QStringLiteral("The file holds %1 here, where the manifest wants %2");
+const QString excluded = QStringLiteral("The manifest leaves this key out while %1");
 const QString excludedByUnknownRule = QStringLiteral("a rule of the manifest holds");
-const QString undescribed =
-    QStringLiteral("“%1” is not described by the manifest; it is kept as it is until you remove it.");
-const QString misfitItem = QStringLiteral("Item %1 fits none of the kinds of item the manifest describes; "
-                                          "it is kept as it is until you remove it.");
+const QString undescribed = QStringLiteral("“%1” is not described by the manifest");
+const QString misfitItem = QStringLiteral("Item %1 fits none of the kinds of item the manifest describes");
+// What happens to the value: the key's own may be replaced by setting the key.
+const QString keptUntilSetOrRemoved = QStringLiteral("%1; it is kept as it is until you set or remove it.");
+const QString keptUntilRemoved = QStringLiteral("%1; it is kept as it is until you remove it.");
+const QString excludedKept =
+    QStringLiteral("%1; the file's value is kept as it is until you set or remove it.");
 // Each prefix ends in the place of the text that follows, "%1" for the text.
 const QString itemPrefix = QStringLiteral("Item %1: %2");
 const QString subkeyPrefix = QStringLiteral("“%1”: %2");
@@ -116,9 +117,11 @@ QString HeldValueWords::valueText(const plist::Value& value) {
     if (const auto string = value.toString())
         return quoted(*string);
     if (const plist::Array* array = value.array())
-        return QStringLiteral("<array of %1 items>").arg(array->size());
+        return array->size() == 1 ? QStringLiteral("<array of 1 item>")
+                                  : QStringLiteral("<array of %1 items>").arg(array->size());
     if (const plist::Dictionary* dictionary = value.dictionary())
-        return QStringLiteral("<dictionary of %1 entries>").arg(dictionary->size());
+        return dictionary->size() == 1 ? QStringLiteral("<dictionary of 1 entry>")
+                                       : QStringLiteral("<dictionary of %1 entries>").arg(dictionary->size());
     if (const auto data = value.toData())
         return QStringLiteral("<%1 bytes of data>").arg(data->size());
     return value.debugDescription();
@@ -138,6 +141,20 @@ QString HeldValueWords::exclusionText(const PreferenceKey& key) {
 }
 
 QString HeldValueWords::entryText(const PreferenceKey& key, const HeldValues::Entry& entry) {
+    const QString reason = reasonText(key, entry);
+    switch (entry.reason) {
+    case Reason::wrongClass:
+        return text::keptUntilSetOrRemoved.arg(reason);
+    case Reason::excluded:
+        return text::excludedKept.arg(reason);
+    case Reason::undescribed:
+    case Reason::misfitItem:
+        break;
+    }
+    return text::keptUntilRemoved.arg(reason);
+}
+
+QString HeldValueWords::reasonText(const PreferenceKey& key, const HeldValues::Entry& entry) {
     switch (entry.reason) {
     case Reason::wrongClass:
         return text::wrongClass.arg(className(entry.value), wantedKind(key));

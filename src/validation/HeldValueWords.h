@@ -16,6 +16,8 @@ class HeldValueWords {
 public:
     // One entry of `key.heldEntries()`.
     static QString entryText(const PreferenceKey& key, const HeldValues::Entry& entry);
+    // Only what is wrong, as "The file holds a string here, where the manifest wants an integer".
+    static QString reasonText(const PreferenceKey& key, const HeldValues::Entry& entry);
     // The text of the key's field: its first held value, with the number of
     // others; the items of an array speak through it. Nothing when it holds none.
     static std::optional<QString> fieldText(const PreferenceKey& key);

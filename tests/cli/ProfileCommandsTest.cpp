@@ -209,7 +209,7 @@ TEST_F(ProfileCommandsTest, CheckOpensFoldersAndRefusesWhatIsNoConfigurationProf
         (QStringList{
             "profiles/empty.mobileconfig: the file is empty",
             "profiles/junk.mobileconfig: The document could not be opened because it is not a readable "
-            "configuration profile.",
+            "configuration profile. The parser stopped at line 1: expected '=' after the key \"not\".",
             "profiles/nested/enroll.mobileconfig: The document “enroll.mobileconfig” is an MDM enrollment "
             "profile and not a configuration profile.",
             "profiles/nested/other.mobileconfig: The document could not be opened because it is not a "
