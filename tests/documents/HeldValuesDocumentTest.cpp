@@ -8,8 +8,6 @@
 namespace quorlin::test {
 namespace {
 
-using SaveOperation = ProfileDocument::SaveOperation;
-
 const QString bundledFolder = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests");
 
 Profile::DomainList bundledDomains() {
@@ -50,9 +48,17 @@ TEST_P(HeldValuesDocumentTest, OpeningAndSavingKeepsEveryValue) {
     const QString name = QString::fromUtf8(GetParam());
     const QByteArray original = readFile(testDataPath("held-values/" + name));
     auto document = openBundled(writeFile(name, original));
-    EXPECT_GT(document->profile()->heldValueCount(), 0);
-    const auto saved = document->save(SaveOperation::save);
-    ASSERT_TRUE(saved) << saved.error().words.toStdString();
+    const qsizetype held = document->profile()->heldValueCount();
+    EXPECT_GT(held, 0);
+    ASSERT_TRUE(document->makeWindowControllers());
+    document->windowDidShow();
+    bool saved = false;
+    document->saveDocument(1, [&](const auto& outcome) { saved = outcome && outcome->saved; });
+    ASSERT_EQ(notices.shown.size(), 1);
+    EXPECT_TRUE(notices.shown[0].notice.informativeText.contains(
+        QStringLiteral("The file keeps %1 value(s) that the manifests don't allow").arg(held)));
+    notices.shown[0].reply({1, false});
+    ASSERT_TRUE(saved);
     EXPECT_EQ(readPlain(readFile(path(name))), knownPayloadsFirst(readPlain(original), domains));
 }
 
