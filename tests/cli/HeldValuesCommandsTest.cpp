@@ -4,9 +4,12 @@
 #include "ToolProcess.h"
 
 #include "plist/PlistReader.h"
+#include "plist/XmlWriter.h"
 #include "support/TestSupport.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 using namespace quorlin;
 using quorlin::test::ToolRun;
@@ -86,6 +89,30 @@ TEST(HeldValuesCommands, OnePayloadIsCheckedAsAProfileAndABrokenFileNamesItsLine
     const ToolRun refused = tool.run({"check", "broken.mobileconfig"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_TRUE(refused.error.contains("The parser stopped at line 4: ")) << refused.error.toStdString();
+}
+
+// A platform given without bounds takes those the editor's validation settings hold.
+TEST(HeldValuesCommands, APlatformWithoutBoundsTakesTheEditorsTargets) {
+    test::ToolProcess tool;
+    ASSERT_TRUE(
+        QFile::copy(test::testDataPath("held-values/excluded.mobileconfig"), tool.path("p.mobileconfig")));
+    const auto introducedAfterMinimum = [&] {
+        const ToolRun checked = tool.run({"check", "--json", "--platform", "macOS", "p.mobileconfig"});
+        const QJsonArray findings = test::json(checked.output).object().value("findings").toArray();
+        return std::count_if(findings.begin(), findings.end(), [](const QJsonValue& finding) {
+            return finding.toObject().value("message").toString().contains("after your minimum target");
+        });
+    };
+    EXPECT_GT(introducedAfterMinimum(), 0) << "no bound anywhere: the lowest version there is";
+    const QString settings = tool.configFolder() + "/quorlin-profile-editor/com.quorlin.ProfileEditor.plist";
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(settings).absolutePath()));
+    QFile file(settings);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(*plist::XmlWriter::write(
+        plist::Dictionary{{"lastChoiceValidationSettings",
+                           plist::Dictionary{{"targetingMacOS", true}, {"macOSMin", "99.0"}}}}));
+    file.close();
+    EXPECT_EQ(introducedAfterMinimum(), 0);
 }
 
 } // namespace
