@@ -133,7 +133,8 @@ void parseHeldValues(benchmark::State& state) {
                                  {"PayloadIdentifier", "org.example.bench"},
                                  {"PayloadVersion", 1},
                                  {"PayloadContent", plist::Array{payload}}};
-    const QByteArray data = plist::XmlWriter::write(plist::Value(root)).value_or(QByteArray());
+    const auto written = plist::XmlWriter::write(plist::Value(root));
+    const QByteArray data = written ? *written : QByteArray();
     for (auto _ : state) {
         auto parsed = Profile::parseProfile(data, load.domains, load.environment);
         if (!parsed || (*parsed)->configurationPayloads().isEmpty())
