@@ -218,8 +218,8 @@ void DocumentWindow::buildActions() {
         make(QStringLiteral("Open &Documentation"), QKeySequence(), [this] { openDocumentation(); });
     m_findAction = make(QStringLiteral("&Find"), QKeySequence::Find,
                         [this] { m_searchField->setFocus(Qt::ShortcutFocusReason); });
-    m_removeHeldValuesAction = make(QStringLiteral("Remove Values the Manifests Don't Allow…"), QKeySequence(),
-                                    [this] { removeValuesTheManifestsDontAllow(); });
+    m_removeHeldValuesAction = make(QStringLiteral("Remove Values the Manifests Don't Allow…"),
+                                    QKeySequence(), [this] { removeValuesTheManifestsDontAllow(); });
     m_undoAction = m_history.undoStack().createUndoAction(this, QStringLiteral("&Undo"));
     m_undoAction->setShortcut(QKeySequence::Undo);
     m_redoAction = m_history.undoStack().createRedoAction(this, QStringLiteral("&Redo"));
