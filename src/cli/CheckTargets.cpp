@@ -32,6 +32,8 @@ std::optional<QString> versionFault(const char* option, const std::optional<QStr
 
 CheckTargets::CheckTargets()
     : m_settings(ToolSettings::defaults()) {
+    for (const Model model : PFMSupportedPlatforms::allModels)
+        m_editorBounds[int(model)] = {m_settings.minimumVersion(model), m_settings.maximumVersion(model)};
     m_settings.setSuspendSavingToDefaults(true);
     m_settings.resetWithoutSaving();
 }
@@ -51,8 +53,9 @@ Expected<std::unique_ptr<CheckTargets>, QString> CheckTargets::make(const QStrin
             if (!model)
                 return fail(QStringLiteral("unknown platform '%1' (use %2)").arg(name, platformNames()));
             settings.setTargeting(*model, true);
-            settings.setMinimumVersion(*model, minimum.value_or(QString()));
-            settings.setMaximumVersion(*model, maximum.value_or(QString()));
+            const auto& [editorMinimum, editorMaximum] = targets->m_editorBounds[int(*model)];
+            settings.setMinimumVersion(*model, minimum.value_or(editorMinimum));
+            settings.setMaximumVersion(*model, maximum.value_or(editorMaximum));
         }
     }
     if ((minimum || maximum) && !settings.targetingAnyPlatform())

@@ -6,14 +6,18 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace quorlin::cli {
 
-// The targets a check holds keys against, from the command line alone: like
-// a file opened in the editor, a check starts with no target at all, and it
-// never saves its targets over the choice the editor remembers.
+// The targets a check holds keys against: like a file opened in the editor,
+// a check starts with no target at all, and it never saves its targets over
+// the choice the editor remembers. A platform named without a bound takes
+// the bound the editor's validation settings hold for it, as a new profile
+// in the editor would.
 class CheckTargets {
 public:
     // `platforms`: names such as "macOS" or "ios", each may be a comma list.
@@ -30,6 +34,8 @@ private:
     CheckTargets();
 
     ValidationSettings m_settings;
+    // The editor's bounds of each platform, before the reset.
+    std::array<std::pair<QString, QString>, 4> m_editorBounds;
 };
 
 } // namespace quorlin::cli

@@ -9,12 +9,15 @@
 #include "cli/ProfileOpener.h"
 #include "cli/RecipientCertificates.h"
 #include "cli/SecretSource.h"
+#include "plist/PlistReader.h"
+#include "validation/HeldValueWords.h"
 
 namespace quorlin::cli {
 
 namespace {
 
 const QString kCheckFlag = QStringLiteral("--check");
+const QString kRepairFlag = QStringLiteral("--repair");
 const QString kIdentityOption = QStringLiteral("--identity");
 const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
 const QString kManifestsOption = QStringLiteral("--manifests");
@@ -25,6 +28,7 @@ enum class Outcome { unchanged, changed, leftAsIs, failed };
 
 struct Run {
     bool onlyCheck = false;
+    bool repair = false;
     std::optional<QString> identity;
     QList<QByteArray> encryptFor;
     const ProfileContext& context;
@@ -45,12 +49,51 @@ Expected<QByteArray, QString> signedAgain(const Run& run, const QString& path, c
     return *message;
 }
 
+// Takes out every value the profile holds against its manifests, telling
+// each on standard error.
+void removeHeldValues(const Run& run, const OpenedProfile& opened) {
+    const auto& profile = *opened.profile;
+    QList<Payload::Pointer> payloads{profile.rootPayload()};
+    payloads.append(profile.configurationPayloads());
+    for (const auto& payload : payloads) {
+        const QString type = payload->domainPrototype().domainString();
+        for (const auto& place : payload->heldValuePlaces()) {
+            for (const auto& entry : place.key->heldEntries()) {
+                const QString where = entry.place.isEmpty()          ? place.path
+                                      : entry.place.startsWith(u'[') ? place.path + entry.place
+                                                                     : place.path + u'.' + entry.place;
+                run.streams.printError(QStringLiteral("%1: removed %2 %3 = %4: %5")
+                                           .arg(opened.path,
+                                                type.isEmpty() ? QStringLiteral("profile") : type, where,
+                                                HeldValueWords::valueText(entry.value),
+                                                HeldValueWords::reasonText(*place.key, entry)));
+            }
+            place.key->replaceHeldValues({});
+        }
+    }
+}
+
+// Key order and the layout of the text aside, an XML file says what the
+// writer would: the same tree. Another encoding is no such file.
+bool sameTree(const QByteArray& written, const QByteArray& read) {
+    const auto left = plist::PlistReader::read(written);
+    const auto right = plist::PlistReader::read(read);
+    return left && right && right->format == plist::Format::Xml && left->root == right->root;
+}
+
 Outcome formatOne(const Run& run, const ProfileOpener& opener, const QString& path) {
     const auto opened = opener.open(path);
     if (!opened) {
         run.streams.printError(opened.error().message);
         return Outcome::failed;
     }
+    // Rewriting would turn the file into a profile: it stays what it is.
+    if (opened->profile->wrappedSinglePayload()) {
+        run.streams.print(path + QStringLiteral(": one payload, not a profile, left as it is"));
+        return Outcome::leftAsIs;
+    }
+    if (run.repair)
+        removeHeldValues(run, *opened);
     if (const auto applied = RecipientCertificates::apply(*opened->profile, run.encryptFor, path); !applied) {
         run.streams.printError(applied.error());
         return Outcome::failed;
@@ -61,7 +104,7 @@ Outcome formatOne(const Run& run, const ProfileOpener& opener, const QString& pa
         run.streams.printError(path + QStringLiteral(": cannot make the profile's data"));
         return Outcome::failed;
     }
-    if (*content == opened->content)
+    if (*content == opened->content || (run.onlyCheck && sameTree(*content, opened->content)))
         return Outcome::unchanged;
     if (run.onlyCheck) {
         run.streams.print(path + QStringLiteral(": would be reformatted"));
@@ -93,24 +136,31 @@ QString FormatCommand::summary() const {
 }
 
 QString FormatCommand::help() const {
-    return QStringLiteral("Usage: quorlin-profile format FILE... [--check] [--identity NAME]\n"
+    return QStringLiteral("Usage: quorlin-profile format FILE... [--check] [--repair] [--identity NAME]\n"
                           "                              [--passphrase-file FILE] [--manifests DIR]\n"
                           "                              [--encrypt-for CERT]...\n"
                           "\n"
                           "Opens each profile as the editor does and writes it back as the editor saves\n"
                           "it: an XML property list of the values the editor writes out, unknown\n"
                           "payloads kept after the known ones, malformed ones dropped, and repeated or\n"
-                          "default payload UUIDs and identifiers replaced. Files already in that form\n"
-                          "are not touched; others are replaced whole, keeping their permissions, and\n"
-                          "listed as \"FILE: reformatted\". A FILE that is a folder stands for every\n"
-                          "\".mobileconfig\" file below it.\n"
+                          "default payload UUIDs and identifiers replaced. Values that the manifests\n"
+                          "don't allow (of the wrong class, left out by a rule, not described, or items\n"
+                          "that fit no kind of item) are kept where they are, as the editor keeps them.\n"
+                          "A file that holds one payload rather than a profile is left as it is.\n"
+                          "Files already in form are not touched; others are replaced whole, keeping\n"
+                          "their permissions, and listed as \"FILE: reformatted\". A FILE that is a\n"
+                          "folder stands for every \".mobileconfig\" file below it.\n"
                           "\n"
                           "A signed profile whose content would change can't be rewritten without\n"
                           "breaking its signature: it is listed as \"left as it is\" unless --identity\n"
                           "names an identity to sign the new content with (see \"identity list\").\n"
                           "\n"
-                          "  --check                only list the files that would change, as \"FILE: would\n"
-                          "                         be reformatted\"; for a signed file, its content\n"
+                          "  --check                only list the files whose values would change, as\n"
+                          "                         \"FILE: would be reformatted\"; key order and layout\n"
+                          "                         don't count; for a signed file, its content\n"
+                          "  --repair               remove the values the manifests don't allow, each\n"
+                          "                         listed on standard error as \"FILE: removed TYPE\n"
+                          "                         PATH = VALUE: REASON\"\n"
                           "  --identity NAME        sign rewritten signed profiles with this identity\n"
                           "  --passphrase-file FILE read the identity's passphrase from the first line of\n"
                           "                         FILE instead of asking at the terminal\n"
@@ -119,14 +169,15 @@ QString FormatCommand::help() const {
                           "                         may be repeated), as \"encrypt\" does\n"
                           "\n"
                           "Exit status: 0 when every file is (now) in form; 1 when --check found a file\n"
-                          "that would change, or a signed file was left as it is; 2 for a usage error or\n"
-                          "a file that can't be opened or written (the others are still done).");
+                          "that would change, or a signed or single-payload file was left as it is; 2 for\n"
+                          "a usage error or a file that can't be opened or written (the others are\n"
+                          "still done).");
 }
 
 int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) const {
     const auto parsed = ParsedArguments::parse(
         arguments, ParsedArguments::Options({kIdentityOption, kPassphraseFileOption, kManifestsOption},
-                                            {kCheckFlag}, {kEncryptForOption}));
+                                            {kCheckFlag, kRepairFlag}, {kEncryptForOption}));
     if (!parsed)
         return usageError(streams, parsed.error());
     if (parsed->operands().isEmpty())
@@ -142,7 +193,8 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
     const auto certificates = RecipientCertificates::read(parsed->values(kEncryptForOption));
     if (!certificates)
         return inputError(streams, certificates.error());
-    const Run run{parsed->hasFlag(kCheckFlag), parsed->value(kIdentityOption), *certificates, *context,
+    const Run run{parsed->hasFlag(kCheckFlag), parsed->hasFlag(kRepairFlag),
+                  parsed->value(kIdentityOption), *certificates, *context,
                   streams};
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(parsed->operands());
     bool anyFailed = !expansion.problems.isEmpty();

@@ -83,6 +83,9 @@ void ProfileFindings::addFileFindings(const OpenedProfile& opened, QList<Finding
     const auto fileFinding = [&](const QString& message) {
         findings.append(Finding{opened.path, {}, {}, {}, {}, message});
     };
+    if (opened.profile->wrappedSinglePayload())
+        fileFinding(QStringLiteral("The file holds one payload rather than a profile; it was opened as the "
+                                   "payload of a new, untitled profile."));
     if (opened.profile->malformedPayloadContentRemoved())
         fileFinding(
             QStringLiteral("The opened profile contains malformed payload(s) which will not be written "

@@ -54,6 +54,15 @@ inline const QString profileInvalidPluralInfo =
     QStringLiteral("The profile contains %1 properties with invalid values (affected sections are marked "
                    "with a red badge).\n\nInvalid values can cause the profile to fail installation on "
                    "device.");
+// Appended to the notice above; %1 is the count of held values.
+inline const QString profileKeepsHeldValues =
+    QStringLiteral("\n\nThe file keeps %1 value(s) that the manifests don't allow, as it was opened with "
+                   "them; remove them in the form, or with Remove Values the Manifests Don't Allow….");
+inline const QString singlePayloadWrappedTitle = QStringLiteral("One Payload, Not a Profile");
+inline const QString singlePayloadWrappedInfo =
+    QStringLiteral("The file holds one payload rather than a profile, as device management consoles export "
+                   "them. It was opened as the payload of a new, untitled profile; saving asks for a new "
+                   "place, so the file itself stays as it is.");
 inline const QString doNotShowAgain = QStringLiteral("Do not show this notice again");
 
 inline const QString okReply = QStringLiteral("OK");

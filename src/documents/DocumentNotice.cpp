@@ -126,10 +126,17 @@ DocumentNotice DocumentNotice::iOS15SilentInstallIncompatibility() {
     return notice;
 }
 
-DocumentNotice DocumentNotice::profileInvalidOnSave(int invalidValueCount) {
-    const QString text = invalidValueCount == 1
-                             ? DocumentErrorWords::profileInvalidOnSaveInfo
-                             : DocumentErrorWords::profileInvalidPluralInfo.arg(invalidValueCount);
+DocumentNotice DocumentNotice::singlePayloadWrapped() {
+    return informational(Kind::singlePayloadWrapped, DocumentErrorWords::singlePayloadWrappedTitle,
+                         DocumentErrorWords::singlePayloadWrappedInfo, QString());
+}
+
+DocumentNotice DocumentNotice::profileInvalidOnSave(int invalidValueCount, qsizetype heldValueCount) {
+    QString text = invalidValueCount == 1
+                       ? DocumentErrorWords::profileInvalidOnSaveInfo
+                       : DocumentErrorWords::profileInvalidPluralInfo.arg(invalidValueCount);
+    if (heldValueCount > 0)
+        text += DocumentErrorWords::profileKeepsHeldValues.arg(heldValueCount);
     return {Kind::profileInvalidOnSave,
             Style::warning,
             DocumentErrorWords::profileInvalidOnSaveTitle,

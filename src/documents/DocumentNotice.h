@@ -20,7 +20,8 @@ struct DocumentNotice {
         quorlinLibrarySaveFailed,
         payloadsEncrypted,
         payloadsDecryptable,
-        recipientsMissing
+        recipientsMissing,
+        singlePayloadWrapped
     };
     // The replies of the clash in the library.
     enum LibraryClashReply { generateNewIdentifier = 1000, replaceExisting = 1001, cancelSave = 1002 };
@@ -46,7 +47,9 @@ struct DocumentNotice {
     static DocumentNotice signingIdentityMissing();
     static DocumentNotice malformedPayloadContentRemoved();
     static DocumentNotice iOS15SilentInstallIncompatibility();
-    static DocumentNotice profileInvalidOnSave(int invalidValueCount);
+    // With held values, the text names how many the file keeps.
+    static DocumentNotice profileInvalidOnSave(int invalidValueCount, qsizetype heldValueCount = 0);
+    static DocumentNotice singlePayloadWrapped();
     // "<name> was saved to Quorlin's profile library."; it can be silenced.
     static DocumentNotice savedToQuorlinLibrary(const std::optional<QString>& displayName);
     static DocumentNotice quorlinLibraryIdentifierClash();

@@ -157,7 +157,8 @@ Expected<bool, DocumentError> ProfileDocument::readFromData(const QByteArray& da
     adoptProfile(std::move(made.value()));
     // Without a file a plain save must ask for a place, so the signed file
     // can't be overwritten by an unsigned copy.
-    if (m_profile->loadedSignedButCannotBeSignedWithLoadedIdentity())
+    // Saving the new profile over the payload's file would change what the file is.
+    if (m_profile->loadedSignedButCannotBeSignedWithLoadedIdentity() || m_profile->wrappedSinglePayload())
         m_filePath.reset();
     m_shouldBeValueValidatedOnLaunch = !isNewProfileTemplate(*m_profile);
     reportPayloads(m_profile->configurationPayloads(), DocumentEventReporter::payloadLoaded);
@@ -276,6 +277,8 @@ void ProfileDocument::presentOpeningNotices() {
         raiseNotice(DocumentNotice::malformedPayloadContentRemoved(), {});
     if (const auto& envelope = m_profile->encryptedPayloadContent())
         raiseEncryptionNotice(*envelope);
+    if (m_profile->wrappedSinglePayload())
+        raiseNotice(DocumentNotice::singlePayloadWrapped(), {});
     if (hasIdentifierCollision(m_profile->validationErrors())) {
         raiseNotice(DocumentNotice::iOS15SilentInstallIncompatibility(), [this](int tag) {
             if (tag == 1)
@@ -419,8 +422,9 @@ void ProfileDocument::confirmSaveDespiteInvalidValues(int invalidValueCount,
         decide(true);
         return;
     }
-    raiseNotice(DocumentNotice::profileInvalidOnSave(invalidValueCount),
-                [decide](int tag) { decide(tag == 1); });
+    raiseNotice(
+        DocumentNotice::profileInvalidOnSave(invalidValueCount, m_profile ? m_profile->heldValueCount() : 0),
+        [decide](int tag) { decide(tag == 1); });
 }
 
 void ProfileDocument::fixAndSave() {

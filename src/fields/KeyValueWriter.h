@@ -21,6 +21,11 @@ public:
     virtual ~KeyValueWriter() = default;
     virtual void writeValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
                             const QString& editIdentity) = 0;
+    // Takes out what the keys hold against their manifests, as one edit.
+    virtual void removeHeldValues(const PreferenceKey::KeyList& keys) {
+        for (const auto& key : keys)
+            key->replaceHeldValues({});
+    }
 };
 
 } // namespace quorlin

@@ -34,6 +34,8 @@ Payload::Pointer Payload::make(const DomainPointer& domain, const std::shared_pt
     payload->m_profile = profile;
     payload->buildKeys(dictionary);
     payload->linkConditionals();
+    for (const auto& key : payload->m_preferenceKeys)
+        key->holdExcludedValues();
     return payload;
 }
 
@@ -121,6 +123,34 @@ plist::Dictionary Payload::writeOutDictionary() const {
             written.insert(entry.key(), entry.value());
     }
     return written;
+}
+
+QList<Payload::HeldPlace> Payload::heldValuePlaces() const {
+    QList<HeldPlace> places;
+    // A loop over a stack rather than recursion: a file may nest deeply.
+    QList<HeldPlace> pending;
+    for (auto key = m_preferenceKeys.rbegin(); key != m_preferenceKeys.rend(); ++key)
+        pending.append({*key, (*key)->name()});
+    while (!pending.isEmpty()) {
+        const HeldPlace place = pending.takeLast();
+        const PreferenceKey& key = *place.key;
+        if (!key.heldEntries().isEmpty())
+            places.append(place);
+        // Inside an excluded key only its own held value is written.
+        if (key.excluded())
+            continue;
+        const auto children = key.children();
+        if (!children)
+            continue;
+        const bool isArray = key.prototype().kind() == PFMKeyPrototype::Kind::array;
+        for (qsizetype index = children->size() - 1; index >= 0; --index) {
+            const auto& child = children->at(index);
+            const QString suffix =
+                isArray ? QStringLiteral("[%1]").arg(index) : QLatin1Char('.') + child->name();
+            pending.append({child, place.path + suffix});
+        }
+    }
+    return places;
 }
 
 PreferenceKey::KeyList Payload::keyNamed(const QString& name) const {

@@ -17,7 +17,8 @@ class Profile;
 
 // One payload of a profile: a domain and the tree of keys that holds its
 // values. Whatever the domain doesn't describe at the top of a read payload
-// is kept aside and written back unchanged.
+// is kept aside and written back unchanged; what it can't bind further down
+// is held by the keys (see HeldValues).
 class Payload : public std::enable_shared_from_this<Payload> {
 public:
     using Pointer = std::shared_ptr<Payload>;
@@ -56,6 +57,14 @@ public:
     }
 
     plist::Dictionary writeOutDictionary() const;
+    // A key whose held values the payload writes, and where it stands:
+    // names joined with ".", items as "[index]" ("Tiles[2].data").
+    struct HeldPlace {
+        PreferenceKey::Pointer key;
+        QString path;
+    };
+    // Every key holding values, depth-first, array items included.
+    QList<HeldPlace> heldValuePlaces() const;
     PreferenceKey::KeyList keyNamed(const QString& name) const;
     PreferenceKey::Pointer keyAtPath(const QString& path) const;
     PreferenceKey::Pointer payloadUUIDKey() const;

@@ -10,6 +10,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <utility>
 
 namespace quorlin {
 
@@ -69,23 +70,36 @@ PreferenceKey::Pointer PreferenceKey::makeFromValue(const PrototypePointer& prot
                                                     const std::shared_ptr<Payload>& payload) {
     Pointer key = construct(prototype, parent, payload);
     const Kind kind = prototype->kind();
+    key->m_loadedSource = value;
     if (isScalarKind(kind)) {
         if (PFMKeyPrototype::isOfPlistClass(value, kind))
             key->m_value = PreferenceKeyValue(value);
+        else
+            key->holdOwnValue(HeldValues::Reason::wrongClass, value);
     } else if (kind == Kind::array) {
-        key->m_value = key->buildItems(value);
+        if (value.isArray())
+            key->m_value = key->buildItems(value);
+        else
+            key->holdOwnValue(HeldValues::Reason::wrongClass, value);
     } else if (const plist::Dictionary* dictionary = value.dictionary()) {
         if (!key->isConventionalDictionary())
             key->m_value = PreferenceKeyValue(value);
         else if (auto subkeys = key->buildSubkeys(dictionary))
             key->m_value = PreferenceKeyValue(std::move(*subkeys));
+    } else {
+        key->holdOwnValue(HeldValues::Reason::wrongClass, value);
     }
     key->updateWritingOut();
     key->updateRequired();
     return key;
 }
 
-// Entries of the source that no subkey names are dropped: only the top of a
+void PreferenceKey::holdOwnValue(HeldValues::Reason reason, const plist::Value& value) {
+    if (!value.isNull())
+        m_heldValues.own = HeldValues::Own{reason, value};
+}
+
+// Entries of the source that no subkey names are held, as the top of a
 // payload keeps what the manifest doesn't describe.
 std::optional<PreferenceKey::KeyMap> PreferenceKey::buildSubkeys(const plist::Dictionary* source) {
     KeyMap subkeys;
@@ -98,6 +112,12 @@ std::optional<PreferenceKey::KeyMap> PreferenceKey::buildSubkeys(const plist::Di
             subkeys.insert(subkeyName, makeFromValue(subkeyPrototype, source->value(subkeyName), self));
         else
             subkeys.insert(subkeyName, makeNew(subkeyPrototype, self));
+    }
+    if (source) {
+        for (auto entry = source->begin(); entry != source->end(); ++entry) {
+            if (!subkeys.contains(entry.key()))
+                m_heldValues.subkeys.insert(entry.key(), entry.value());
+        }
     }
     if (subkeys.isEmpty())
         return std::nullopt;
@@ -113,7 +133,8 @@ PreferenceKeyValue PreferenceKey::buildItems(const plist::Value& source) {
         return PreferenceKeyValue(source);
     const Pointer self = shared_from_this();
     KeyList keys;
-    for (const plist::Value& item : *items) {
+    for (qsizetype index = 0; index < items->size(); ++index) {
+        const plist::Value& item = items->at(index);
         if (itemPrototypes.size() == 1) {
             keys.append(makeFromValue(itemPrototypes.first(), item, self));
             continue;
@@ -122,6 +143,8 @@ PreferenceKeyValue PreferenceKey::buildItems(const plist::Value& source) {
                                           [&](const auto& prototype) { return itemFits(*prototype, item); });
         if (fitting != itemPrototypes.end())
             keys.append(makeFromValue(*fitting, item, self));
+        else
+            m_heldValues.items.append({index, item});
     }
     return PreferenceKeyValue(std::move(keys));
 }
@@ -154,6 +177,19 @@ QString PreferenceKey::name() const {
 
 void PreferenceKey::setValue(const PreferenceKeyValue& value) {
     m_value = value;
+    if (value.isAbsent())
+        m_heldValues = {};
+    else
+        m_heldValues.own.reset();
+    announceChange();
+}
+
+void PreferenceKey::replaceHeldValues(HeldValues held) {
+    m_heldValues = std::move(held);
+    announceChange();
+}
+
+void PreferenceKey::announceChange() {
     updateWritingOut();
     if (const auto payload = owningPayload()) {
         if (const auto profile = payload->profile())
@@ -313,8 +349,38 @@ bool PreferenceKey::inheritedExclusionByRule() const {
     return false;
 }
 
+QList<HeldValues::Entry> PreferenceKey::heldEntries() const {
+    QList<HeldValues::Entry> entries;
+    const auto& own = m_heldValues.own;
+    if (own && (own->reason != HeldValues::Reason::excluded || excluded()))
+        entries.append({own->reason, QString(), own->value});
+    if (!excluded())
+        entries.append(m_heldValues.containerEntries());
+    return entries;
+}
+
+void PreferenceKey::holdExcludedValues(bool insideHeldValue) {
+    const plist::Value source = std::exchange(m_loadedSource, plist::Value());
+    if (!insideHeldValue && excluded() && !source.isNull()) {
+        if (!m_heldValues.own)
+            m_heldValues.own = HeldValues::Own{HeldValues::Reason::excluded, source};
+        insideHeldValue = true;
+    }
+    if (const auto keys = children()) {
+        for (const Pointer& child : *keys)
+            child->holdExcludedValues(insideHeldValue);
+    }
+}
+
+// A held own value stands in for the key: of the wrong class there is no
+// value beside it, and a value a rule leaves out is written while it does.
 std::optional<plist::Value> PreferenceKey::writeOutValue() const {
-    if (m_value.isAbsent() || excluded() || m_prototype->ghost())
+    const auto& own = m_heldValues.own;
+    if (own && (own->reason == HeldValues::Reason::wrongClass || excluded()))
+        return own->value;
+    if (excluded() || m_prototype->ghost())
+        return std::nullopt;
+    if (m_value.isAbsent() && m_heldValues.isEmpty())
         return std::nullopt;
     if (m_prototype->kind() == Kind::array)
         return writeOutArray();
@@ -333,7 +399,7 @@ std::optional<plist::Value> PreferenceKey::writeOutArray() const {
             if (auto itemValue = item->writeOutValue())
                 written.append(std::move(*itemValue));
         }
-        return plist::Value(std::move(written));
+        return plist::Value(m_heldValues.mergedItems(std::move(written)));
     }
     const plist::Value* raw = m_value.plistValue();
     if (raw && raw->isArray() && m_prototype->subkeys().isEmpty())
@@ -342,13 +408,12 @@ std::optional<plist::Value> PreferenceKey::writeOutArray() const {
 }
 
 std::optional<plist::Value> PreferenceKey::writeOutConventionalDictionary() const {
-    const KeyMap* subkeys = m_value.keyMap();
-    if (!subkeys)
-        return std::nullopt;
-    plist::Dictionary written;
-    for (auto entry = subkeys->begin(); entry != subkeys->end(); ++entry) {
-        if (auto childValue = entry.value()->writeOutValue())
-            written.insert(entry.key(), *childValue);
+    plist::Dictionary written = m_heldValues.subkeys;
+    if (const KeyMap* subkeys = m_value.keyMap()) {
+        for (auto entry = subkeys->begin(); entry != subkeys->end(); ++entry) {
+            if (auto childValue = entry.value()->writeOutValue())
+                written.insert(entry.key(), *childValue);
+        }
     }
     if (written.isEmpty())
         return std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/HeldValues.h"
 #include "model/PreferenceKeyObserver.h"
 #include "model/PreferenceKeyValue.h"
 #include "plist/Value.h"
@@ -40,7 +41,8 @@ public:
     // a value. Give a payload for a top-level key, a parent for any other.
     static Pointer makeNew(const PrototypePointer& prototype, const Pointer& parent = {},
                            const std::shared_ptr<Payload>& payload = {});
-    // A key read from a profile; a value of the wrong class leaves it empty.
+    // A key read from a profile. What the prototype can't bind is held (see
+    // HeldValues) rather than dropped.
     static Pointer makeFromValue(const PrototypePointer& prototype, const plist::Value& value,
                                  const Pointer& parent = {}, const std::shared_ptr<Payload>& payload = {});
 
@@ -55,8 +57,20 @@ public:
 
     const PreferenceKeyValue& value() const { return m_value; }
     // Replaces the value, then tells the profile and the observers of this
-    // key and of every ancestor.
+    // key and of every ancestor. A new value replaces a held own value; no
+    // value at all removes every held value of the key.
     void setValue(const PreferenceKeyValue& value);
+
+    const HeldValues& heldValues() const { return m_heldValues; }
+    // The held values that the profile gets from this key as it stands: a
+    // value a rule left out counts only while the rule still holds, and
+    // nothing inside an excluded key counts but its own.
+    QList<HeldValues::Entry> heldEntries() const;
+    // For removing held values and for undoing that; tells as setValue does.
+    void replaceHeldValues(HeldValues held);
+    // Once the payload's rules are linked: a value read from the file for a
+    // key that a rule leaves out is held, so that saving keeps it.
+    void holdExcludedValues(bool insideHeldValue = false);
     // The plist value that goes into the profile, or nothing.
     std::optional<plist::Value> writeOutValue() const;
 
@@ -120,6 +134,8 @@ private:
     void setExclusionFlags(bool hidden, bool disabled);
     void setRequiredByConditional(bool required);
     void notifyObservers();
+    void announceChange();
+    void holdOwnValue(HeldValues::Reason reason, const plist::Value& value);
     std::optional<plist::Value> writeOutArray() const;
     std::optional<plist::Value> writeOutConventionalDictionary() const;
     bool isConventionalDictionary() const;
@@ -133,6 +149,9 @@ private:
     bool m_required = false;
     bool m_requiredByConditional = false;
     PreferenceKeyValue m_value;
+    HeldValues m_heldValues;
+    // The value as read, until the payload's rules are linked.
+    plist::Value m_loadedSource;
     bool m_excludedHiddenByConditional = false;
     bool m_excludedDisabledByConditional = false;
     bool m_isWritingOut = false;

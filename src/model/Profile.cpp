@@ -93,8 +93,14 @@ Profile::parseProfile(const QByteArray& data, const DomainList& domains,
     if (!read)
         return fail(read.error());
     plist::Dictionary root = std::move(read.value());
-    if (const auto error = checkPayloadType(root))
-        return fail(*error);
+    if (const auto error = checkPayloadType(root)) {
+        // A list of payloads under another word is a profile spelt wrong, not a payload.
+        const auto type = root.string(payloadTypeName);
+        if (*error != Errors::profileParsingFailedUnknown || !type || type->isEmpty() ||
+            root.array(payloadContentName))
+            return fail(*error);
+        return wrapSinglePayload(root, domains, profile->m_environment);
+    }
 
     std::optional<plist::Dictionary> znth;
     if (const plist::Dictionary* properties = root.dictionary(znthProfilePropertiesName)) {
@@ -127,6 +133,17 @@ Profile::parseProfile(const QByteArray& data, const DomainList& domains,
     return profile;
 }
 
+Expected<Profile::Pointer, Profile::Errors>
+Profile::wrapSinglePayload(const plist::Dictionary& payload, const DomainList& domains,
+                           std::shared_ptr<const ProfileEnvironment> environment) {
+    Pointer profile = makeNewProfile(domains, std::move(environment));
+    if (!profile)
+        return fail(Errors::profileParsingFailedUnknown);
+    profile->readPayloadContent(plist::Array{plist::Value(payload)});
+    profile->m_wrappedSinglePayload = true;
+    return profile;
+}
+
 Expected<plist::Dictionary, Profile::Errors>
 Profile::readRootDictionary(const QByteArray& data, const ProfileEnvironment& environment,
                             QStringList& signers) {
@@ -151,6 +168,18 @@ std::optional<Profile::Errors> Profile::checkPayloadType(const plist::Dictionary
     if (type == QStringLiteral("Enrollment Service"))
         return Errors::profileParsingFailedEnrollmentServicePayload;
     return Errors::profileParsingFailedUnknown;
+}
+
+qsizetype Profile::heldValueCount() const {
+    qsizetype count = 0;
+    QList<Payload::Pointer> payloads = m_configurationPayloads;
+    if (m_rootPayload)
+        payloads.prepend(m_rootPayload);
+    for (const auto& payload : payloads) {
+        for (const auto& place : payload->heldValuePlaces())
+            count += place.key->heldEntries().size();
+    }
+    return count;
 }
 
 void Profile::readPayloadContent(const plist::Array& content) {

@@ -78,6 +78,9 @@ public:
     }
     const std::optional<plist::Dictionary>& znthProfileProperties() const { return m_znthProfileProperties; }
     bool malformedPayloadContentRemoved() const { return m_malformedPayloadContentRemoved; }
+    // The file was one payload rather than a profile (as consoles export
+    // them), and is now the one payload of a new profile.
+    bool wrappedSinglePayload() const { return m_wrappedSinglePayload; }
     const DomainList& domains() const { return m_domains; }
     // The file's sealed "EncryptedPayloadContent", kept byte for byte until
     // it is decrypted.
@@ -110,6 +113,8 @@ public:
     void restoreUnfamiliarPayloads(const QList<PlacedUnfamiliarPayload>& removed);
 
     QList<ValidationError> validationErrors() const;
+    // How many values the payloads hold against their manifests (see HeldValues).
+    qsizetype heldValueCount() const;
     void repairValidationErrors();
     // The bytes to save, signed when a signer applies; nothing on failure.
     // Repairs duplicate and default identifiers first.
@@ -134,6 +139,9 @@ private:
     static Expected<plist::Dictionary, Errors>
     readRootDictionary(const QByteArray& data, const ProfileEnvironment& environment, QStringList& signers);
     static std::optional<Errors> checkPayloadType(const plist::Dictionary& root);
+    static Expected<Pointer, Errors> wrapSinglePayload(const plist::Dictionary& payload,
+                                                       const DomainList& domains,
+                                                       std::shared_ptr<const ProfileEnvironment> environment);
     void readPayloadContent(const plist::Array& content);
     std::optional<plist::Dictionary> sealedProfileDictionary() const;
     void adoptSigners(const QStringList& signers);
@@ -157,6 +165,7 @@ private:
     bool m_malformedPayloadContentRemoved = false;
     std::optional<QByteArray> m_encryptedPayloadContent;
     QList<QByteArray> m_encryptForCertificates;
+    bool m_wrappedSinglePayload = false;
     std::weak_ptr<ProfileDelegate> m_delegate;
     SelfChange m_performingSelfChange = SelfChange::none;
 };

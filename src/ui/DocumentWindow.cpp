@@ -225,6 +225,8 @@ void DocumentWindow::buildActions() {
         make(QStringLiteral("Open &Documentation"), QKeySequence(), [this] { openDocumentation(); });
     m_findAction = make(QStringLiteral("&Find"), QKeySequence::Find,
                         [this] { m_searchField->setFocus(Qt::ShortcutFocusReason); });
+    m_removeHeldValuesAction = make(QStringLiteral("Remove Values the Manifests Don't Allow…"),
+                                    QKeySequence(), [this] { removeValuesTheManifestsDontAllow(); });
     m_undoAction = m_history.undoStack().createUndoAction(this, QStringLiteral("&Undo"));
     m_undoAction->setShortcut(QKeySequence::Undo);
     m_redoAction = m_history.undoStack().createRedoAction(this, QStringLiteral("&Redo"));
@@ -302,6 +304,7 @@ void DocumentWindow::buildMenus() {
     addStandard(QStringLiteral("Select &All"), QKeySequence::SelectAll, "selectAll");
     edit->addSeparator();
     edit->addAction(m_findAction);
+    edit->addAction(m_removeHeldValuesAction);
     if (app && app->preferences) {
         edit->addSeparator();
         edit->addAction(app->preferences);

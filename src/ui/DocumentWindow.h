@@ -90,6 +90,10 @@ public:
     void removePayloads(PFMSection& section, const QList<int>& payloadIndexes = {});
     void populateDefaultValues(PFMSection& section, const QList<int>& payloadIndexes = {});
     void addPayload(PFMSection& section);
+    // Lists what the profile keeps though the manifests don't allow it, all
+    // ticked; removing is one step of the history.
+    void removeValuesTheManifestsDontAllow();
+    QAction* removeHeldValuesAction() const { return m_removeHeldValuesAction; }
     // The section the payload commands act on: the clicked row, else the selection.
     PFMSection* commandSection() const;
     void updateCommandStates();
@@ -196,6 +200,7 @@ private:
     QAction* m_revertAction = nullptr;
     QAction* m_closeAction = nullptr;
     QAction* m_findAction = nullptr;
+    QAction* m_removeHeldValuesAction = nullptr;
     QAction* m_configuredOnlyAction = nullptr;
     QAction* m_compareWithAction = nullptr;
     QAction* m_compareWithSavedAction = nullptr;

@@ -7,6 +7,7 @@
 #include "ui/PropertyInfoPopover.h"
 #include "ui/TagLabel.h"
 #include "ui/Tint.h"
+#include "validation/HeldValueWords.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -22,6 +23,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QShortcut>
 #include <QStyle>
 #include <QToolButton>
@@ -171,6 +173,7 @@ FieldRowView::FieldRowView(std::shared_ptr<FieldViewController> field, QWidget* 
     m_error->setTextFormat(Qt::PlainText);
     Tint::setTextColour(*m_error, Tint::errorColour());
     layout->addWidget(m_error);
+    buildHeldValuesRow();
     setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& position) { makeContextMenu(this)->popup(mapToGlobal(position)); });
@@ -286,6 +289,53 @@ void FieldRowView::buildDetailsRow() {
     static_cast<QVBoxLayout*>(layout())->addWidget(m_details);
 }
 
+void FieldRowView::buildHeldValuesRow() {
+    m_heldRow = new QWidget(this);
+    m_heldRow->setObjectName(QStringLiteral("heldValues"));
+    auto* row = new QHBoxLayout(m_heldRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    m_heldValues = new QLabel(m_heldRow);
+    m_heldValues->setObjectName(QStringLiteral("heldValuesText"));
+    m_heldValues->setTextFormat(Qt::PlainText);
+    m_heldValues->setWordWrap(true);
+    auto* remove = new QPushButton(QStringLiteral("Remove"), m_heldRow);
+    remove->setObjectName(QStringLiteral("removeHeldValuesButton"));
+    remove->setToolTip(QStringLiteral("Remove the values the manifest doesn't allow from the profile"));
+    connect(remove, &QPushButton::clicked, this,
+            [this] { Q_EMIT heldValuesRemoveRequested(keysHoldingValues()); });
+    row->addWidget(m_heldValues, 1);
+    row->addWidget(remove);
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_heldRow);
+}
+
+PreferenceKey::KeyList FieldRowView::keysHoldingValues() const {
+    PreferenceKey::KeyList holding;
+    PreferenceKey::KeyList pending{m_field->field()};
+    while (!pending.isEmpty()) {
+        const PreferenceKey::Pointer key = pending.takeLast();
+        if (!key->heldEntries().isEmpty())
+            holding.append(key);
+        // A dictionary's subkeys have rows of their own; an array's items don't.
+        const bool speaksForChildren =
+            key != m_field->field() || key->prototype().kind() == PFMKeyPrototype::Kind::array;
+        if (const auto children = key->children(); children && speaksForChildren && !key->excluded())
+            pending.append(*children);
+    }
+    return holding;
+}
+
+void FieldRowView::refreshHeldValues() {
+    QStringList values;
+    for (const auto& key : keysHoldingValues()) {
+        for (const auto& entry : key->heldEntries())
+            values.append(HeldValueWords::valueText(entry.value));
+    }
+    m_heldRow->setVisible(!values.isEmpty());
+    if (!values.isEmpty())
+        setTextIfChanged(m_heldValues,
+                         QStringLiteral("Kept from the file: ") + values.join(QStringLiteral(", ")));
+}
+
 void FieldRowView::refresh() {
     const FieldViewController& field = *m_field;
     const auto title = field.displayTitle();
@@ -303,6 +353,7 @@ void FieldRowView::refresh() {
     const auto error = field.error();
     m_error->setVisible(error.has_value());
     setTextIfChanged(m_error, error.value_or(QString()));
+    refreshHeldValues();
     refreshDetails();
 }
 

@@ -44,12 +44,23 @@ public:
 
     QLabel* titleLabel() const { return m_title; }
     QLabel* errorLabel() const { return m_error; }
+    QLabel* heldValuesLabel() const { return m_heldValues; }
+    // The keys whose held values the row speaks for: its key, and what the
+    // items of its array hold.
+    PreferenceKey::KeyList keysHoldingValues() const;
+
     const QList<QWidget*>& instrumentWidgets() const { return m_instruments; }
+
+Q_SIGNALS:
+    // "Remove" of the values the row keeps from the file; the form makes it an edit.
+    void heldValuesRemoveRequested(const PreferenceKey::KeyList& keys);
 
 private:
     void buildTitleRow();
     void buildInstrumentRow();
     void buildDetailsRow();
+    void buildHeldValuesRow();
+    void refreshHeldValues();
     void followRightClicks(QWidget* instrument);
     void refreshDetails();
     QString detailsSignature() const;
@@ -65,6 +76,8 @@ protected:
 private:
     std::shared_ptr<FieldViewController> m_field;
     QLabel* m_title = nullptr;
+    QWidget* m_heldRow = nullptr;
+    QLabel* m_heldValues = nullptr;
     QLabel* m_writeOut = nullptr;
     // Shown while the pointer is over the row or its popover is open.
     QToolButton* m_infoButton = nullptr;

@@ -177,12 +177,31 @@ void PayloadFormView::buildNotices() {
     row->addWidget(m_unfamiliarRemove);
     // It heads the stack, above the group selector.
     m_fieldsLayout->insertWidget(0, m_unfamiliarBox);
+    buildHeldValuesNotice();
     m_noFields = new QLabel(noFieldsText(), m_fieldsBox);
     m_noFields->setObjectName(QStringLiteral("noFieldsDisplayed"));
     m_noFields->setAlignment(Qt::AlignCenter);
     m_noFields->setForegroundRole(QPalette::PlaceholderText);
     m_fieldsLayout->addWidget(m_noFields);
     refreshNotices();
+}
+
+// Values held by keys that have no row of their own (a dictionary shows as
+// its subkeys' rows) are listed above the rows, with one "Remove" for them.
+void PayloadFormView::buildHeldValuesNotice() {
+    m_heldBox = new QWidget(m_fieldsBox);
+    auto* row = new QHBoxLayout(m_heldBox);
+    m_heldNotice = new QLabel(m_heldBox);
+    m_heldNotice->setObjectName(QStringLiteral("heldValuesNotice"));
+    m_heldNotice->setWordWrap(true);
+    m_heldNotice->setTextFormat(Qt::PlainText);
+    Tint::setTextColour(*m_heldNotice, Tint::errorColour());
+    auto* remove = new QPushButton(QStringLiteral("Remove"), m_heldBox);
+    remove->setObjectName(QStringLiteral("removeHeldValuesButton"));
+    connect(remove, &QPushButton::clicked, this, [this] { removeHeldValues(m_form.unshownHeldValueKeys()); });
+    row->addWidget(m_heldNotice, 1);
+    row->addWidget(remove);
+    m_fieldsLayout->addWidget(m_heldBox);
 }
 
 QWidget* PayloadFormView::makeRow(size_t index) {
@@ -195,7 +214,18 @@ QWidget* PayloadFormView::makeRow(size_t index) {
                 &PayloadFormView::saveSignedWithCommonNameEdited);
         return row;
     }
-    return new FieldRowView(field.controller, m_fieldsBox);
+    auto* row = new FieldRowView(field.controller, m_fieldsBox);
+    connect(row, &FieldRowView::heldValuesRemoveRequested, this, &PayloadFormView::removeHeldValues);
+    return row;
+}
+
+void PayloadFormView::removeHeldValues(const PreferenceKey::KeyList& keys) {
+    if (m_writer) {
+        m_writer->removeHeldValues(keys);
+        return;
+    }
+    for (const auto& key : keys)
+        key->replaceHeldValues({});
 }
 
 void PayloadFormView::applyVisibility() {
@@ -280,6 +310,9 @@ void PayloadFormView::refreshGroups() {
 }
 
 void PayloadFormView::refreshNotices() {
+    const QStringList held = m_form.unshownHeldValues();
+    m_heldBox->setVisible(!held.isEmpty());
+    m_heldNotice->setText(held.join(u'\n'));
     const auto notice = m_form.unfamiliarPropertiesNotice();
     m_unfamiliarBox->setVisible(notice.has_value());
     if (!notice)

@@ -70,6 +70,8 @@ private:
     void buildHeader();
     void buildGroupSelector();
     void buildNotices();
+    void buildHeldValuesNotice();
+    void removeHeldValues(const PreferenceKey::KeyList& keys);
     void applyVisibility();
     void orderTabs();
     QWidget* makeRow(size_t index);
@@ -96,6 +98,8 @@ private:
     QWidget* m_unfamiliarBox = nullptr;
     QLabel* m_unfamiliarNotice = nullptr;
     QPushButton* m_unfamiliarRemove = nullptr;
+    QWidget* m_heldBox = nullptr;
+    QLabel* m_heldNotice = nullptr;
     QLabel* m_noFields = nullptr;
 };
 

@@ -3,6 +3,7 @@
 #include "plist/Utilities.h"
 #include "schema/SupportedPlatforms.h"
 #include "validation/ByteCountFormatter.h"
+#include "validation/HeldValueWords.h"
 
 #include <QRegularExpression>
 #include <QTextBoundaryFinder>
@@ -382,7 +383,11 @@ void FieldValidator::updateProminentError() {
     }
 }
 
+// What the file holds and the key can't bind comes first: it is what a
+// save would keep against the manifest.
 std::optional<QString> FieldValidator::valueError(const PreferenceKey& key) {
+    if (auto held = HeldValueWords::fieldText(key))
+        return held;
     if (key.required() && !key.excluded()) {
         if (key.value().isAbsent())
             return text::fieldEmpty;

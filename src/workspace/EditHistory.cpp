@@ -4,6 +4,7 @@
 #include "workspace/KeyValueCommand.h"
 #include "workspace/PayloadCommands.h"
 #include "workspace/PayloadViewController.h"
+#include "workspace/RemoveHeldValuesCommand.h"
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +20,7 @@ public:
                     const QString& editIdentity) override {
         m_history.setValue(key, value, editIdentity);
     }
+    void removeHeldValues(const PreferenceKey::KeyList& keys) override { m_history.removeHeldValues(keys); }
 
 private:
     EditHistory& m_history;
@@ -83,6 +85,27 @@ void EditHistory::removeUnfamiliarPreferenceKeys(const Payload::Pointer& payload
         return;
     m_undoStack.push(
         new RemoveUnfamiliarKeysCommand(payload, [this] { Q_EMIT unfamiliarPreferenceKeysChanged(); }));
+}
+
+void EditHistory::removeHeldValues(const PreferenceKey::KeyList& keys) {
+    auto command = std::make_unique<RemoveHeldValuesCommand>(
+        keys, QStringLiteral("Remove Values the Manifest Doesn't Allow"));
+    if (!command->isEmpty())
+        m_undoStack.push(command.release());
+}
+
+void EditHistory::removeAllHeldValues(const Profile& profile) {
+    QList<Payload::Pointer> payloads{profile.rootPayload()};
+    payloads.append(profile.configurationPayloads());
+    PreferenceKey::KeyList keys;
+    for (const auto& payload : payloads) {
+        for (const auto& place : payload->heldValuePlaces())
+            keys.append(place.key);
+    }
+    auto command = std::make_unique<RemoveHeldValuesCommand>(
+        keys, QStringLiteral("Remove Values the Manifests Don't Allow"));
+    if (!command->isEmpty())
+        m_undoStack.push(command.release());
 }
 
 void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,

@@ -47,6 +47,10 @@ public:
     void removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
                                   const Profile::Pointer& profile);
     void populateDefaults(PayloadViewController& form);
+    // What the keys hold against their manifests, as one step: one key's
+    // "Remove" in the form, or every key of the profile.
+    void removeHeldValues(const PreferenceKey::KeyList& keys);
+    void removeAllHeldValues(const Profile& profile);
 
     // A save repairs duplicate and default identifiers before it writes.
     // Doing it here first makes the repair a step of its own, so that the

@@ -6,6 +6,7 @@ KeySnapshot KeySnapshot::take(const PreferenceKey::Pointer& key) {
     KeySnapshot snapshot;
     snapshot.m_key = key;
     snapshot.m_value = key->value();
+    snapshot.m_held = key->heldValues();
     if (const auto children = key->children())
         snapshot.m_children = take(*children);
     return snapshot;
@@ -22,6 +23,9 @@ QList<KeySnapshot> KeySnapshot::take(const PreferenceKey::KeyList& keys) {
 void KeySnapshot::restore() const {
     restore(m_children);
     m_key->setValue(m_value);
+    // Setting a value lets go of what the key held; undo brings it back.
+    if (m_key->heldValues() != m_held)
+        m_key->replaceHeldValues(m_held);
 }
 
 void KeySnapshot::restore(const QList<KeySnapshot>& snapshots) {

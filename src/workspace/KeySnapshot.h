@@ -25,6 +25,7 @@ public:
 private:
     PreferenceKey::Pointer m_key;
     PreferenceKeyValue m_value;
+    HeldValues m_held;
     QList<KeySnapshot> m_children;
 };
 

@@ -3,7 +3,10 @@
 #include "fields/DirectKeyValueWriter.h"
 #include "model/PreferenceKeyObserver.h"
 #include "plist/Utilities.h"
+#include "validation/HeldValueWords.h"
 #include "workspace/PFMSectionViewController.h"
+
+#include <QSet>
 
 #include <algorithm>
 
@@ -292,9 +295,40 @@ void PayloadViewController::recountErrors() {
     countErrors();
 }
 
+QList<Payload::HeldPlace> PayloadViewController::unshownHeldPlaces() const {
+    const auto payload = m_payload.lock();
+    if (!payload)
+        return {};
+    QSet<const PreferenceKey*> shown;
+    for (const FormField& field : m_fields)
+        shown.insert(field.key.get());
+    QList<Payload::HeldPlace> places = payload->heldValuePlaces();
+    // Items of an array speak through the array's row.
+    places.removeIf([&](const Payload::HeldPlace& place) {
+        return shown.contains(place.key.get()) || place.path.contains(u'[');
+    });
+    return places;
+}
+
+QStringList PayloadViewController::unshownHeldValues() const {
+    QStringList texts;
+    for (const auto& place : unshownHeldPlaces())
+        texts.append(place.path + QStringLiteral(": ") +
+                     HeldValueWords::fieldText(*place.key).value_or(QString()));
+    return texts;
+}
+
+PreferenceKey::KeyList PayloadViewController::unshownHeldValueKeys() const {
+    PreferenceKey::KeyList keys;
+    for (const auto& place : unshownHeldPlaces())
+        keys.append(place.key);
+    return keys;
+}
+
 void PayloadViewController::countErrors() {
     const int count = int(std::count_if(m_fields.begin(), m_fields.end(),
-                                        [](const FormField& f) { return f.hasProminentError(); }));
+                                        [](const FormField& f) { return f.hasProminentError(); })) +
+                      int(unshownHeldPlaces().size());
     if (count == m_errorCount)
         return;
     m_errorCount = count;

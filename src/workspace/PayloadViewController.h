@@ -10,6 +10,7 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -54,6 +55,10 @@ public:
     bool hasCollapseButton() const;
     // The text of the notice of unfamiliar keys, or nothing without any.
     std::optional<QString> unfamiliarPropertiesNotice() const;
+    // Held values of keys that no row shows (a dictionary shows as its
+    // subkeys' rows), one "PATH: TEXT" each; they count as errors too.
+    QStringList unshownHeldValues() const;
+    PreferenceKey::KeyList unshownHeldValueKeys() const;
     bool isNoFieldsDisplayedShown() const { return m_noFieldsDisplayedShown; }
 
     void setFieldDisplaySettings(const FieldDisplaySettings& settings);
@@ -76,6 +81,7 @@ private:
     void buildFields(const Payload& payload);
     void addField(const PreferenceKey::Pointer& key);
     void addSigningField();
+    QList<Payload::HeldPlace> unshownHeldPlaces() const;
     void validate(FormField& field);
     bool hiddenByPlatformFilter(const FormField& field) const;
     void applySearch(FormField& field, std::set<int>& groupsWithHit);

@@ -117,6 +117,15 @@ TEST_F(ProfileTest, WhatIsNotAConfigurationProfileIsRefused) {
     EXPECT_EQ(parseError(xml(profileTree({}, {{"PayloadContent", "none"}}))),
               Errors::profileParsingFailedUnknown);
 
+    // One payload, as consoles export them, becomes the payload of a new profile.
+    const plist::Dictionary exported = payloadDictionary("com.example.everything", "E-1", {{"Count", 3}});
+    const auto wrapped = parse(plist::Value(exported));
+    ASSERT_TRUE(wrapped);
+    EXPECT_TRUE(wrapped->wrappedSinglePayload());
+    ASSERT_EQ(wrapped->configurationPayloads().size(), 1);
+    EXPECT_EQ(wrapped->configurationPayloads().first()->writeOutDictionary().value("Count"), plist::Value(3));
+    EXPECT_EQ(wrapped->payloadIdentifier(), "Test-Host." + CountingUUIDSource::format(1)) << "a new root";
+
     const auto noRoot =
         Profile::parseProfile(xml(profileTree({})), {fixtureDomain("everything")}, environment);
     ASSERT_FALSE(noRoot);

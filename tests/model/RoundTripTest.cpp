@@ -64,7 +64,8 @@ TEST_P(RoundTripTest, SavingGivesBackWhatWasRead) {
 
 INSTANTIATE_TEST_SUITE_P(OwnProfiles, RoundTripTest,
                          ::testing::Values("every-kind.mobileconfig", "every-kind-binary.mobileconfig",
-                                           "unknown-payloads-first.mobileconfig"));
+                                           "unknown-payloads-first.mobileconfig",
+                                           "held-values.mobileconfig"));
 
 TEST(RoundTripRepairTest, OnlyRepeatedUUIDsDefaultIdentifiersAndMalformedElementsChange) {
     const plist::Dictionary input = profileFixture("needs-repair.mobileconfig");

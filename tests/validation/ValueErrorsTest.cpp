@@ -61,8 +61,10 @@ TEST(ValueErrorsTest, IntegerAndRealBounds) {
     EXPECT_EQ(errorFor("real", bounds, 10.01),
               "The entered number is higher than the maximum for this field.");
     EXPECT_EQ(errorFor("real", bounds, 9.99), "");
-    // A value of a foreign type passes.
-    EXPECT_EQ(errorFor("integer", bounds, "eleven"), "");
+    // A value of a foreign type is held from the file, and says so rather than judging its bounds.
+    EXPECT_EQ(errorFor("integer", bounds, "eleven"),
+              "The file holds a string here, where the manifest wants an "
+              "integer; it is kept as it is until you set or remove it.");
 }
 
 TEST(ValueErrorsTest, RangeListsOfEachKind) {

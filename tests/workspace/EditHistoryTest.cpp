@@ -292,3 +292,55 @@ TEST_F(EditHistoryTest, UndoingAnySequenceRestoresTheBytesAndRedoReplaysThem) {
 
 } // namespace
 } // namespace quorlin
+
+namespace quorlin {
+namespace {
+
+// A profile read with values the keys can't bind: setting a key and removing
+// held values are steps that undo gives back with what each key held, and
+// the form counts what no row shows.
+TEST(HeldValuesEditsTest, SettingAndRemovingAreUndoneWithWhatTheKeysHeld) {
+    using namespace test;
+    const auto domains = fixtureDomains();
+    const auto parsed = Profile::parseProfile(
+        readFile(testDataPath("model/profiles/held-values.mobileconfig")), domains, makeTestEnvironment());
+    ASSERT_TRUE(parsed);
+    const Profile::Pointer profile = *parsed;
+    PFMSectionCollection collection(domains);
+    EditHistory history;
+    for (PFMSection* section : collection.sectionPointers()) {
+        section->setKeyValueWriter(history.keyValueWriter());
+        section->bind(profile);
+    }
+    PFMSection* section = sectionTitled(collection, QStringLiteral("Everything"));
+    ASSERT_TRUE(section && section->sectionViewController());
+    PayloadViewController& form = *section->sectionViewController()->payloadControllers().front();
+    form.recountErrors();
+    const QByteArray opened = profileBytes(*profile);
+    const int openedErrors = form.errorCount();
+    EXPECT_EQ(
+        form.unshownHeldValues(),
+        QStringList({"Settings: “Vendor” is not described by the manifest; it is kept as it is until you "
+                     "remove it.",
+                     "Settings.Inner: “Deeper” is not described by the manifest; it is kept as it is until "
+                     "you remove it."}));
+
+    history.setValue(form.payload()->keyAtPath("Count"), plist::Value(12));
+    EXPECT_FALSE(profileBytes(*profile).contains("twelve"));
+    history.undoStack().undo();
+    EXPECT_EQ(profileBytes(*profile), opened);
+
+    history.removeAllHeldValues(*profile);
+    EXPECT_EQ(profile->heldValueCount(), 0);
+    EXPECT_EQ(history.undoStack().count(), 1) << "one step";
+    form.recountErrors();
+    EXPECT_LT(form.errorCount(), openedErrors);
+    EXPECT_TRUE(form.unshownHeldValues().isEmpty());
+    history.undoStack().undo();
+    EXPECT_EQ(profileBytes(*profile), opened);
+    form.recountErrors();
+    EXPECT_EQ(form.errorCount(), openedErrors);
+}
+
+} // namespace
+} // namespace quorlin
