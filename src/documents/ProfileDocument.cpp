@@ -1,9 +1,11 @@
 #include "documents/ProfileDocument.h"
 
+#include "documents/DocumentErrorWords.h"
 #include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
+#include "plist/PlistFormat.h"
 #include "plist/UserDefaults.h"
 
 #include <QFile>
@@ -114,6 +116,15 @@ Expected<bool, DocumentError> ProfileDocument::readFromFile(const QString& fileP
     QFile file(filePath);
     if (!file.open(QIODevice::ReadOnly))
         return fail(DocumentError::fileFailed(int(file.error()), file.errorString()));
+    // Refused unread: the readers would refuse it too, but only after it had
+    // taken its size in memory, and without naming the file.
+    const qint64 maxBytes = plist::ReadLimits{}.maxBytes;
+    if (file.size() > maxBytes)
+        return fail(
+            DocumentError::fileFailed(int(QFileDevice::ReadError),
+                                      DocumentErrorWords::tooLargeToRead.arg(QFileInfo(filePath).fileName())
+                                          .arg((file.size() + (1 << 20) - 1) >> 20)
+                                          .arg(maxBytes >> 20)));
     m_filePath = filePath;
     return readFromData(file.readAll());
 }

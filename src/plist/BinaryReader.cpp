@@ -389,6 +389,8 @@ private:
 Expected<Value, ParseError> BinaryReader::read(const QByteArray& bytes, const ReadLimits& limits) {
     if (!bytes.startsWith("bplist00") && !bytes.startsWith("bplist01"))
         return fail(errorAt("not a binary property list of version 00", 0));
+    if (const auto tooLarge = sizeRefusal(bytes.size(), limits))
+        return fail(*tooLarge);
     const qint64 size = bytes.size();
     if (size < headerSize + 1 + trailerSize)
         return fail(errorAt("too short for a binary property list", size));
