@@ -105,8 +105,12 @@ private:
     // Only objects referenced more than once are kept once decoded: the rest
     // are met once, and keeping them would double what a read costs.
     // Malformed objects are passed over here; decoding reports them if reached.
+    // Many offsets may name one large container, so counting stops at the
+    // expansion budget: what goes uncounted is decoded again where met, and
+    // the budget bounds that.
     void countReferences() {
-        for (quint64 index = 0; index < m_trailer.objectCount; ++index) {
+        quint64 counted = 0;
+        for (quint64 index = 0; index < m_trailer.objectCount && counted <= m_expansionBudget; ++index) {
             const qint64 entry = qint64(m_trailer.offsetTableOffset + index * quint64(m_trailer.offsetSize));
             const quint64 offset = readBigEndian(m_data + entry, m_trailer.offsetSize);
             if (offset < quint64(headerSize) || offset >= quint64(m_objectsEnd))
@@ -119,6 +123,7 @@ private:
             const auto count =
                 readCount(marker, start, quint64(m_trailer.referenceSize) * (kind == 0xD ? 2 : 1));
             const quint64 slots = count ? *count * (kind == 0xD ? 2 : 1) : 0;
+            counted += slots;
             for (quint64 slot = 0; slot < slots; ++slot) {
                 const quint64 target =
                     readBigEndian(m_data + referenceOffset(start, slot), m_trailer.referenceSize);
