@@ -27,6 +27,10 @@ inline const QString enrollmentServicePayloadAnonymous =
                    "configuration profile.");
 inline const QString cannotRead =
     QStringLiteral("The document could not be opened because it is not a readable configuration profile.");
+// %1 the file, %2 its size and %3 the largest size read, in MB.
+inline const QString tooLargeToRead =
+    QStringLiteral("The document “%1” could not be opened because it is %2 MB, larger than the %3 MB that "
+                   "a configuration profile may take.");
 inline const QString cannotProduceData = QStringLiteral("The document could not be saved.");
 inline const QString saveInterrupted =
     QStringLiteral("The save was stopped before it completed; the file was left as it was.");

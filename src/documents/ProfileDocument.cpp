@@ -1,6 +1,7 @@
 #include "documents/ProfileDocument.h"
 
 #include "documents/BoundedFileReader.h"
+#include "documents/DocumentErrorWords.h"
 #include "documents/DocumentEventReporter.h"
 #include "documents/DocumentNoticePresenter.h"
 #include "documents/EnvelopeServices.h"
@@ -8,6 +9,7 @@
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
 #include "plist/PlistReader.h"
+#include "plist/PlistFormat.h"
 #include "plist/UserDefaults.h"
 
 #include <QFile>
@@ -166,6 +168,14 @@ Expected<bool, DocumentError> ProfileDocument::readFromData(const QByteArray& da
 }
 
 Expected<bool, DocumentError> ProfileDocument::readFromFile(const QString& filePath) {
+    // Refused unread: the readers would refuse it too, but only after it had
+    // taken its size in memory, and without naming the file.
+    const qint64 maxBytes = plist::ReadLimits{}.maxBytes;
+    if (const QFileInfo info(filePath); info.isFile() && info.size() > maxBytes)
+        return fail(DocumentError::fileFailed(int(QFileDevice::ReadError),
+                                              DocumentErrorWords::tooLargeToRead.arg(info.fileName())
+                                                  .arg((info.size() + (1 << 20) - 1) >> 20)
+                                                  .arg(maxBytes >> 20)));
     const auto bytes = BoundedFileReader::read(filePath);
     if (!bytes)
         return fail(DocumentError::fileFailed(int(QFileDevice::ReadError), bytes.error()));

@@ -17,6 +17,10 @@ namespace quorlin {
 
 namespace {
 
+// A profile has one signer and a chain of a few certificates.
+constexpr int maximumSigners = 16;
+constexpr int maximumCertificates = 64;
+
 std::optional<QByteArray> readAll(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -305,12 +309,16 @@ std::optional<SignedMessage> SigningServices::decodeSignedMessage(const QByteArr
         return std::nullopt;
     std::optional<QByteArray> content = embeddedContent(cms.get());
     STACK_OF(CMS_SignerInfo)* infos = CMS_get0_SignerInfos(cms.get());
-    // A signed message without a signer isn't a signed profile.
-    if (!content || sk_CMS_SignerInfo_num(infos) <= 0)
+    const int signerCount = sk_CMS_SignerInfo_num(infos);
+    // A signed message without a signer isn't a signed profile. Matching
+    // signers with certificates and checking each chain costs their product,
+    // so a message with far more of either than any signer needs is refused.
+    if (!content || signerCount <= 0 || signerCount > maximumSigners)
         return std::nullopt;
-
-    CMS_set1_signers_certs(cms.get(), nullptr, 0);
     const openssl::CertificateStack embedded(CMS_get1_certs(cms.get()));
+    if (sk_X509_num(embedded.get()) > maximumCertificates)
+        return std::nullopt;
+    CMS_set1_signers_certs(cms.get(), nullptr, 0);
     const CertificateTrust trust(anchorsFolder(), m_anchorFiles);
     const ContentDigests digests(cms.get());
     SignedMessage message{*content, {}, {}};

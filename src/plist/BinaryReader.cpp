@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <map>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace quorlin::plist {
@@ -76,9 +76,11 @@ public:
         , m_trailer(trailer)
         , m_objectsEnd(qint64(trailer.offsetTableOffset))
         , m_onPath(trailer.objectCount, false)
+        , m_slots(trailer.objectCount, 0)
         , m_maxDepth(limits.maxDepth) {
         const quint64 referenceSlots = quint64(m_objectsEnd - headerSize) / quint64(trailer.referenceSize);
         m_expansionBudget = std::max(minimumExpansionBudget, expansionFactor * (referenceSlots + 1));
+        countReferences();
     }
 
     Expected<Value, ParseError> decodeTop(qint64 topObjectField) {
@@ -95,13 +97,51 @@ private:
         int height = 0;           // containers on the longest path down from here
     };
 
+    // What m_slots holds for an object before it is decoded: how often it
+    // is referenced, counting stopping at "more than once". Past these, the
+    // decoded object lies in m_shared at slot - firstSharedSlot.
+    enum : quint32 { unreferenced = 0, referencedOnce = 1, referencedMore = 2, firstSharedSlot = 3 };
+
+    // Only objects referenced more than once are kept once decoded: the rest
+    // are met once, and keeping them would double what a read costs.
+    // Malformed objects are passed over here; decoding reports them if reached.
+    // Many offsets may name one large container, so counting stops at the
+    // expansion budget: what goes uncounted is decoded again where met, and
+    // the budget bounds that.
+    void countReferences() {
+        quint64 counted = 0;
+        for (quint64 index = 0; index < m_trailer.objectCount && counted <= m_expansionBudget; ++index) {
+            const qint64 entry = qint64(m_trailer.offsetTableOffset + index * quint64(m_trailer.offsetSize));
+            const quint64 offset = readBigEndian(m_data + entry, m_trailer.offsetSize);
+            if (offset < quint64(headerSize) || offset >= quint64(m_objectsEnd))
+                continue;
+            const uchar marker = m_data[offset];
+            const int kind = marker >> 4;
+            if (kind != 0xA && kind != 0xC && kind != 0xD)
+                continue;
+            qint64 start = qint64(offset);
+            const auto count =
+                readCount(marker, start, quint64(m_trailer.referenceSize) * (kind == 0xD ? 2 : 1));
+            const quint64 slots = count ? *count * (kind == 0xD ? 2 : 1) : 0;
+            counted += slots;
+            for (quint64 slot = 0; slot < slots; ++slot) {
+                const quint64 target =
+                    readBigEndian(m_data + referenceOffset(start, slot), m_trailer.referenceSize);
+                if (target < m_trailer.objectCount && m_slots[target] < referencedMore)
+                    ++m_slots[target];
+            }
+        }
+        m_error.reset();
+    }
+
     std::optional<Decoded> decodeObject(quint64 index, int depth, qint64 referencedAt) {
-        // A cached object was decoded under a shallower parent, perhaps; its
+        // A shared object was decoded under a shallower parent, perhaps; its
         // height keeps a chain of shared containers within the nesting limit.
-        if (const auto cached = m_decoded.find(index); cached != m_decoded.end()) {
-            if (depth + cached->second.height > m_maxDepth)
+        if (m_slots[index] >= firstSharedSlot) {
+            const Decoded& shared = m_shared[m_slots[index] - firstSharedSlot];
+            if (depth + shared.height > m_maxDepth)
                 return failAt("arrays and dictionaries are nested too deeply", referencedAt);
-            return cached->second;
+            return shared;
         }
         if (m_onPath[index])
             return failAt("object refers to itself through its own contents", referencedAt);
@@ -111,8 +151,10 @@ private:
         m_onPath[index] = true;
         auto decoded = decodeAt(*offset, depth);
         m_onPath[index] = false;
-        if (decoded)
-            m_decoded.emplace(index, *decoded);
+        if (decoded && m_slots[index] == referencedMore) {
+            m_slots[index] = quint32(firstSharedSlot + m_shared.size());
+            m_shared.push_back(*decoded);
+        }
         return decoded;
     }
 
@@ -271,7 +313,7 @@ private:
             const auto element = decodeReference(start, i, depth + 1);
             if (!element || !addToExpandedSize(result, *element, offset))
                 return std::nullopt;
-            array.append(element->value);
+            array.append(std::move(element->value));
         }
         result.value = Value(std::move(array));
         return result;
@@ -284,19 +326,25 @@ private:
         const auto count = readCount(marker, start, 2 * quint64(m_trailer.referenceSize));
         if (!count)
             return std::nullopt;
-        Dictionary dictionary;
+        // Built as a std::map and handed over whole, as the XML reader does.
+        std::map<QString, Value> entries;
         Decoded result{Value(), 1, 1};
         for (quint64 i = 0; i < *count; ++i) {
-            const auto key = decodeReference(start, i, depth + 1);
+            auto key = decodeReference(start, i, depth + 1);
             if (!key)
                 return std::nullopt;
             if (!key->value.isString())
                 return failAt("dictionary key is not a string", referenceOffset(start, i));
-            const auto value = decodeReference(start, *count + i, depth + 1);
+            auto value = decodeReference(start, *count + i, depth + 1);
             if (!value || !addToExpandedSize(result, *value, offset))
                 return std::nullopt;
-            dictionary.insert(*key->value.toString(), value->value);
+            // Keys mostly come sorted, so the hint makes insertion constant
+            // time; a repeated key replaces the earlier value.
+            entries.insert_or_assign(entries.end(), *key->value.toString(), std::move(value->value));
         }
+        Dictionary dictionary;
+        if (!entries.empty())
+            dictionary.map() = Dictionary::Map(std::move(entries));
         result.value = Value(std::move(dictionary));
         return result;
     }
@@ -378,7 +426,8 @@ private:
     const Trailer m_trailer;
     const qint64 m_objectsEnd; // objects lie in [header, offset table)
     std::vector<bool> m_onPath;
-    std::unordered_map<quint64, Decoded> m_decoded;
+    std::vector<quint32> m_slots;  // see firstSharedSlot
+    std::vector<Decoded> m_shared; // objects referenced more than once, once decoded
     const int m_maxDepth;
     quint64 m_expansionBudget = 0;
     std::optional<ParseError> m_error;
@@ -389,6 +438,8 @@ private:
 Expected<Value, ParseError> BinaryReader::read(const QByteArray& bytes, const ReadLimits& limits) {
     if (!bytes.startsWith("bplist00") && !bytes.startsWith("bplist01"))
         return fail(errorAt("not a binary property list of version 00", 0));
+    if (const auto tooLarge = sizeRefusal(bytes.size(), limits))
+        return fail(*tooLarge);
     const qint64 size = bytes.size();
     if (size < headerSize + 1 + trailerSize)
         return fail(errorAt("too short for a binary property list", size));

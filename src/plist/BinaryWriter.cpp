@@ -127,6 +127,8 @@ public:
             return flattenArray(*value.array());
         case Value::Type::Dictionary:
             return flattenDictionary(*value.dictionary());
+        case Value::Type::String:
+            return flattenString(*value.toString());
         default:
             return flattenLeaf(value);
         }
@@ -170,6 +172,18 @@ private:
         return index;
     }
 
+    // Only strings encode as strings, so they are unique'd by their text,
+    // which spares encoding every repeated key and value before the lookup.
+    quint64 flattenString(const QString& string) {
+        if (const auto existing = m_stringIndex.constFind(string); existing != m_stringIndex.cend())
+            return *existing;
+        QByteArray encoding;
+        appendString(encoding, string);
+        const quint64 index = addObject(Object{std::move(encoding), 0, {}});
+        m_stringIndex.insert(string, index);
+        return index;
+    }
+
     std::optional<quint64> flattenArray(const Array& array) {
         const quint64 index = addObject(Object{{}, 0xA0, {}});
         std::vector<quint64> references;
@@ -191,7 +205,7 @@ private:
         std::vector<quint64> references;
         references.reserve(size_t(2 * dictionary.size()));
         for (auto it = dictionary.begin(); it != dictionary.end(); ++it)
-            references.push_back(*flattenLeaf(Value(it.key())));
+            references.push_back(flattenString(it.key()));
         for (auto it = dictionary.begin(); it != dictionary.end(); ++it) {
             const auto value = flatten(it.value());
             if (!value) {
@@ -233,6 +247,7 @@ private:
 
     std::vector<Object> m_objects;
     QHash<QByteArray, quint64> m_leafIndex;
+    QHash<QString, quint64> m_stringIndex;
 };
 
 } // namespace

@@ -368,6 +368,8 @@ private:
 Expected<Value, ParseError> OpenStepReader::read(const QByteArray& bytes, const ReadLimits& limits) {
     if (bytes.isEmpty())
         return fail(errorOnLine(QStringLiteral("no property list in empty input"), 1));
+    if (const auto tooLarge = sizeRefusal(bytes.size(), limits))
+        return fail(*tooLarge);
     auto text = decodeText(bytes);
     if (!text)
         return fail(text.error());

@@ -499,6 +499,8 @@ Expected<QByteArray, ParseError> utf8Text(const QByteArray& bytes) {
 } // namespace
 
 Expected<Value, ParseError> XmlReader::read(const QByteArray& bytes, const ReadLimits& limits) {
+    if (const auto tooLarge = sizeRefusal(bytes.size(), limits))
+        return fail(*tooLarge);
     auto utf8 = utf8Text(bytes);
     if (!utf8)
         return fail(utf8.error());

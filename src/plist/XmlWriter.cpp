@@ -22,14 +22,16 @@ public:
     explicit TreeWriter(QByteArray& out)
         : m_out(out) {}
 
-    // False at the first null value, whose place nullPath() then tells.
+    // False at the first null value or text holding U+0000, whose place
+    // nullPath() then tells.
     bool write(const Value& value, int depth);
     QString nullPath() const;
+    bool foundNulCharacter = false; // the failure was text, not a null value
 
 private:
     void indent(int depth) { m_out.append(depth, '\t'); }
-    void appendEscaped(const QString& text);
-    void appendElement(const char* tag, const QString& text);
+    bool appendEscaped(const QString& text);
+    bool appendElement(const char* tag, const QString& text);
     void appendData(const QByteArray& data, int depth);
     bool writeArray(const Array& array, int depth);
     bool writeDictionary(const Dictionary& dictionary, int depth);
@@ -40,30 +42,40 @@ private:
     QStringList m_nullPath; // innermost first, filled while unwinding
 };
 
-void TreeWriter::appendEscaped(const QString& text) {
+// False for text holding U+0000, which no XML document can carry: written
+// as it is, it would end the file for every reader.
+bool TreeWriter::appendEscaped(const QString& text) {
     m_utf8.resize(m_encoder.requiredSpace(text.size()));
     const char* begin = m_utf8.constData();
     const char* const end = m_encoder.appendToBuffer(m_utf8.data(), text);
     // Apple escapes only these three; quotes and apostrophes stay as they are.
     for (const char* c = begin; c != end; ++c) {
         const char* entity = *c == '&' ? "&amp;" : *c == '<' ? "&lt;" : *c == '>' ? "&gt;" : nullptr;
-        if (!entity)
+        if (!entity) {
+            if (*c == '\0') {
+                foundNulCharacter = true;
+                return false;
+            }
             continue;
+        }
         m_out.append(begin, c - begin);
         m_out.append(entity);
         begin = c + 1;
     }
     m_out.append(begin, end - begin);
+    return true;
 }
 
-void TreeWriter::appendElement(const char* tag, const QString& text) {
+bool TreeWriter::appendElement(const char* tag, const QString& text) {
     m_out += '<';
     m_out += tag;
     m_out += '>';
-    appendEscaped(text);
+    if (!appendEscaped(text))
+        return false;
     m_out += "</";
     m_out += tag;
     m_out += ">\n";
+    return true;
 }
 
 // The base64 lines sit at the element's own depth, between the tags on lines of their own.
@@ -102,8 +114,7 @@ bool TreeWriter::write(const Value& value, int depth) {
         m_out += "</real>\n";
         break;
     case Value::Type::String:
-        appendElement("string", *value.toString());
-        break;
+        return appendElement("string", *value.toString());
     case Value::Type::Data:
         appendData(*value.toData(), depth);
         break;
@@ -158,8 +169,7 @@ bool TreeWriter::writeDictionary(const Dictionary& dictionary, int depth) {
     // The dictionary is kept in UTF-16 order, the order of Apple's writer.
     for (auto it = dictionary.begin(); it != dictionary.end(); ++it) {
         indent(depth + 1);
-        appendElement("key", it.key());
-        if (!write(it.value(), depth + 1)) {
+        if (!appendElement("key", it.key()) || !write(it.value(), depth + 1)) {
             m_nullPath << u'/' + it.key();
             return false;
         }
@@ -177,7 +187,10 @@ Expected<QByteArray, QString> XmlWriter::write(const Value& root) {
     out += header;
     TreeWriter writer(out);
     if (!writer.write(root, 0))
-        return fail(QStringLiteral("A null value can't be written to a property list (at %1)")
+        return fail((writer.foundNulCharacter
+                         ? QStringLiteral("Text holding the character U+0000 can't be written to an XML "
+                                          "property list (at %1)")
+                         : QStringLiteral("A null value can't be written to a property list (at %1)"))
                         .arg(writer.nullPath()));
     out += footer;
     return out;

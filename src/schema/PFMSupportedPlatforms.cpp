@@ -51,6 +51,18 @@ QString PFMSupportedPlatforms::rawValue(LifeCycleStage stage) {
     return {};
 }
 
+namespace {
+
+std::optional<PFMSupportedPlatforms::LifeCycleStage> stageFromRawValue(QStringView rawValue) {
+    for (const auto stage : PFMSupportedPlatforms::allStages) {
+        if (PFMSupportedPlatforms::rawValue(stage) == rawValue)
+            return stage;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 std::optional<PFMSupportedPlatforms::Models>
 PFMSupportedPlatforms::readPlatformList(const plist::Dictionary& manifest) {
     const plist::Array* list = manifest.array(QStringLiteral("pfm_quorlin_platforms"));
@@ -70,16 +82,19 @@ PFMSupportedPlatforms::readPlatformList(const plist::Dictionary& manifest) {
 
 std::optional<PFMSupportedPlatforms::LifeCycleVersions>
 PFMSupportedPlatforms::readLifeCycleVersions(const plist::Dictionary& manifest) {
+    // Every key of a manifest is read this way, most with none of these: one
+    // search for the family's prefix beats a dozen lookups of made names.
+    static const QString prefix = QStringLiteral("pfm_quorlin_");
     LifeCycleVersions versions;
-    for (const Model model : allModels) {
-        StageVersions stages;
-        for (const LifeCycleStage stage : allStages) {
-            const QString key = QStringLiteral("pfm_quorlin_") + rawValue(model) + u'_' + rawValue(stage);
-            if (const auto version = manifest.string(key))
-                stages[stage] = *version;
-        }
-        if (!stages.empty())
-            versions[model] = std::move(stages);
+    const auto& map = manifest.map();
+    for (auto it = map.lowerBound(prefix); it != map.cend() && it.key().startsWith(prefix); ++it) {
+        const QStringView name = QStringView(it.key()).mid(prefix.size());
+        const qsizetype separator = name.indexOf(u'_');
+        const auto model = separator > 0 ? modelFromRawValue(name.left(separator).toString()) : std::nullopt;
+        const auto stage = separator > 0 ? stageFromRawValue(name.mid(separator + 1)) : std::nullopt;
+        const auto version = it.value().toString();
+        if (model && stage && version)
+            versions[*model][*stage] = *version;
     }
     if (versions.empty())
         return std::nullopt;

@@ -2,17 +2,22 @@
 
 #include "documents/AtomicFileWriter.h"
 
+#include "plist/XmlWriter.h"
 #include "support/ScratchMount.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <random>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quorlin::test {
@@ -112,6 +117,50 @@ TEST_F(AtomicFileWriterTest, RefusedWritesLeaveTheOldFileAndSayWhy) {
         if (!each.path.startsWith(QStringLiteral("/dev/"))) {
             EXPECT_EQ(readFile(each.path), old);
         }
+    }
+}
+
+// A profile of some 10 MB, so that a save takes long enough to be cut.
+QByteArray largeProfile(char fill) {
+    plist::Array payloads;
+    for (int i = 0; i < 2500; ++i)
+        payloads.append(plist::Dictionary{{QStringLiteral("PayloadIdentifier"), QString::number(i)},
+                                          {QStringLiteral("Data"), QByteArray(3000, fill)}});
+    return plist::XmlWriter::write(plist::Dictionary{{QStringLiteral("PayloadContent"), payloads}}).value();
+}
+
+// Forks a child that saves `bytes` to `file`; kills it after `delay` unless
+// it is negative. The time from fork to the child's end.
+qint64 saveInChild(const QString& file, const QByteArray& bytes, qint64 delayMicroseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(AtomicFileWriter().write(file, bytes) ? 0 : 1);
+    if (delayMicroseconds >= 0) {
+        usleep(useconds_t(delayMicroseconds));
+        kill(child, SIGKILL);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return timer.nsecsElapsed() / 1000;
+}
+
+TEST_F(AtomicFileWriterTest, ASaveKilledAtAnyMomentLeavesTheOldOrTheNewFile) {
+    const QByteArray versions[] = {largeProfile('a'), largeProfile('b')};
+    const QString file = existingFile(versions[0], ownerAndGroupRead);
+    const qint64 wholeSave = saveInChild(file, versions[1], -1);
+    ASSERT_EQ(readFile(file), versions[1]);
+
+    std::mt19937 random(25);
+    std::uniform_int_distribution<qint64> moment(0, wholeSave * 5 / 4);
+    int current = 1;
+    for (int trial = 0; trial < 40; ++trial) {
+        saveInChild(file, versions[1 - current], moment(random));
+        const QByteArray found = readFile(file);
+        ASSERT_TRUE(found == versions[0] || found == versions[1])
+            << "trial " << trial << ": " << found.size() << " bytes";
+        current = found == versions[0] ? 0 : 1;
     }
 }
 

@@ -108,6 +108,18 @@ TEST_F(ProfileDocumentReadTest, WhatIsNoConfigurationProfileFailsWithCodeZeroAnd
 
 // The platform's parser refuses empty data elements and needs a repair; ours
 // reads them as empty data, so such files open as they are.
+TEST_F(ProfileDocumentReadTest, AFileOfTwoHundredMegabytesIsRefusedUnreadWithItsNameAndSize) {
+    QFile file(path(QStringLiteral("huge.mobileconfig")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(file.resize(qint64(200) << 20)); // sparse: nothing to write
+    file.close();
+    const auto refused = makeDocument()->readFromFile(file.fileName());
+    ASSERT_FALSE(refused);
+    EXPECT_TRUE(refused.error().words.contains(QStringLiteral("“huge.mobileconfig”")));
+    EXPECT_TRUE(refused.error().words.contains(QStringLiteral("200 MB")))
+        << refused.error().words.toStdString();
+}
+
 TEST_F(ProfileDocumentReadTest, EmptyDataElementsOpenAndOtherParseFaultsDoNot) {
     QByteArray bytes = simpleProfile();
     const QByteArray marker = "<key>PayloadVersion</key>";

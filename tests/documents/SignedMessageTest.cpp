@@ -135,6 +135,33 @@ TEST_F(SignedMessageTest, WhatIsNoSignedMessageDecodesToNothing) {
     EXPECT_FALSE(services.decodeSignedMessage(QByteArray(64, '\x30')));
 }
 
+// A thousand signers, or a thousand certificates, are refused before any
+// signer is matched with a certificate or any chain is built.
+TEST_F(SignedMessageTest, AThousandSignersOrCertificatesAreRefused) {
+    const auto message = [&](int signers, int extraCertificates) {
+        openssl::Bio content = openssl::memoryReader(profileBytes);
+        openssl::Cms cms(CMS_sign(nullptr, nullptr, nullptr, nullptr, CMS_BINARY | CMS_PARTIAL));
+        for (int i = 0; i < signers; ++i)
+            CMS_add1_signer(cms.get(), leaf.certificate.get(), leaf.key.get(), EVP_sha256(),
+                            i ? CMS_NOCERTS : 0);
+        for (int i = 0; i < extraCertificates; ++i) {
+            X509* copy = X509_dup(leaf.certificate.get());
+            ASN1_INTEGER_set(X509_get_serialNumber(copy), 1000 + i);
+            X509_sign(copy, intermediate.key.get(), EVP_sha256());
+            EXPECT_EQ(CMS_add0_cert(cms.get(), copy), 1);
+        }
+        EXPECT_EQ(CMS_final(cms.get(), content.get(), nullptr, CMS_BINARY), 1);
+        openssl::Bio out(BIO_new(BIO_s_mem()));
+        i2d_CMS_bio(out.get(), cms.get());
+        return openssl::memoryContents(out.get());
+    };
+    const std::optional<SignedMessage> modest = services.decodeSignedMessage(message(2, 3));
+    ASSERT_TRUE(modest);
+    EXPECT_EQ(modest->signers.size(), 2);
+    EXPECT_FALSE(services.decodeSignedMessage(message(1000, 0)));
+    EXPECT_FALSE(services.decodeSignedMessage(message(1, 1000)));
+}
+
 // Messages written by OpenSSL's own command line.
 class ForeignMessageTest : public SigningFixture {
 protected:

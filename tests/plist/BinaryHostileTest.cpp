@@ -292,3 +292,28 @@ TEST(BinaryHostileFile, ExponentialSharingIsRefusedAndModestSharingRead) {
         expected = Array{expected, expected};
     EXPECT_EQ(*small, expected);
 }
+
+// Object k is an array holding object k+1: refused where the nesting limit
+// is passed, never walked down all the way.
+TEST(BinaryHostileFile, HundredThousandLevelsAreRefusedAtTheNestingLimit) {
+    QList<QByteArray> objects;
+    for (int k = 1; k <= 100000; ++k)
+        objects.append("a1" + QByteArray::number(k, 16).rightJustified(8, '0'));
+    objects.append("5178");
+    const auto read = BinaryReader::read(assemble(objects, 4));
+    ASSERT_FALSE(read);
+    EXPECT_TRUE(read.error().reason.contains(QStringLiteral("nested")));
+}
+
+// A million references to one string read as a million values that share
+// that one string, not a million copies of it.
+TEST(BinaryHostileFile, OneObjectSharedAMillionTimesReadsShared) {
+    const int count = 1000000;
+    const QByteArray array =
+        "af12" + QByteArray::number(count, 16).rightJustified(8, '0') + QByteArray("01").repeated(count);
+    const auto read = BinaryReader::read(assemble({array, "5178"}));
+    ASSERT_TRUE(read) << read.error().toString().toStdString();
+    ASSERT_EQ(read->array()->size(), count);
+    EXPECT_EQ(read->array()->last(), Value(QStringLiteral("x")));
+    EXPECT_EQ(read->array()->first().toString()->constData(), read->array()->last().toString()->constData());
+}

@@ -125,3 +125,17 @@ TEST(XmlHostileTest, TruncatedDocumentsFailAtEveryCut) {
     EXPECT_EQ(failures, end + 8);
     EXPECT_TRUE(XmlReader::read(full).hasValue());
 }
+
+// Refused by its size before any parsing, whatever its form: a tree of
+// several times 200 MB is never built.
+TEST(XmlHostileTest, TwoHundredMegabytesAreRefusedUnreadInEveryForm) {
+    QByteArray bytes(200 << 20, ' ');
+    for (const QByteArray& head :
+         {QByteArray("<?xml version=\"1.0\"?><plist><string>"), QByteArray("bplist00"), QByteArray("( \"")}) {
+        bytes.replace(0, head.size(), head);
+        const auto read = PlistReader::read(bytes);
+        ASSERT_FALSE(read.hasValue()) << head.toStdString();
+        EXPECT_TRUE(read.error().reason.contains(QStringLiteral("200 MB")))
+            << read.error().toString().toStdString();
+    }
+}

@@ -220,6 +220,20 @@ TEST(XmlWriterTest, NullValueFailsWithItsPlace) {
     EXPECT_TRUE(nested.error().contains(QStringLiteral("/list[1]"))) << nested.error().toStdString();
 }
 
+// A binary file may hold U+0000 in a key or a string, which would cut any
+// XML document short: found by fuzzing a profile's open and save.
+TEST(XmlWriterTest, TextHoldingUPlus0000FailsWithItsPlace) {
+    const QString nul = QStringLiteral("a") + QChar(0) + QStringLiteral("b");
+    for (const Dictionary& root : {Dictionary{{QStringLiteral("list"), Array{1, nul}}},
+                                   Dictionary{{QStringLiteral("list"), Array{1, Dictionary{{nul, 2}}}}}}) {
+        const auto written = XmlWriter::write(root);
+        ASSERT_FALSE(written.hasValue());
+        EXPECT_TRUE(written.error().contains(QStringLiteral("U+0000"))) << written.error().toStdString();
+        EXPECT_TRUE(written.error().contains(QStringLiteral("/list[1]"))) << written.error().toStdString();
+    }
+    EXPECT_TRUE(XmlWriter::write(QStringLiteral("\x01\x1F")).hasValue());
+}
+
 TEST(XmlWriterTest, EdgeValuesRoundTrip) {
     const QString emoji = QString::fromUtf8("\xF0\x9F\x98\x80 \xF0\x9D\x84\x9E \xE2\x82\xAC");
     const Dictionary root{
