@@ -1,5 +1,6 @@
 #include "cli/CommandLineTool.h"
 
+#include "cli/AppInspectCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
@@ -67,6 +68,7 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<ExportPayloadCommand>());
     add(std::make_unique<IdentityImportCommand>());
     add(std::make_unique<IdentityListCommand>());
+    add(std::make_unique<AppInspectCommand>());
 }
 
 QString CommandLineTool::programName() {
