@@ -89,6 +89,22 @@ QList<AppSearchResult> systemMatches(const QString& term) {
     return matches;
 }
 
+QList<AppSearchResult> rowsFor(const QString& term, const QList<AppSearchResult>& store) {
+    if (term.isEmpty())
+        return {};
+    QList<AppSearchResult> rows = systemMatches(term);
+    QList<AppSearchResult> storeRows;
+    for (const AppSearchResult& row : store) {
+        if (!containsBundleId(rows, row.bundleId) && !containsBundleId(storeRows, row.bundleId))
+            storeRows << row;
+    }
+    rows += storeRows;
+    // The typed text can always be taken as an identifier neither list knows.
+    if (!containsBundleId(rows, term))
+        rows.append({term, term, ResultType::bundleId, std::nullopt});
+    return rows;
+}
+
 } // namespace
 
 const QList<AppSearchResult>& AppSearchResults::systemApps() {
@@ -128,25 +144,17 @@ std::optional<QList<AppSearchResult>> AppSearchResults::storeResults(const QByte
     return rows;
 }
 
+QList<AppSearchResult> AppSearchResults::withoutStore(const QString& term) {
+    return rowsFor(term, {});
+}
+
 std::optional<QList<AppSearchResult>> AppSearchResults::build(const QString& term,
                                                               const SearchResponse& response) {
     if (term.isEmpty())
         return QList<AppSearchResult>();
     if (!isUsable(response))
         return std::nullopt;
-    QList<AppSearchResult> rows = systemMatches(term);
-    if (const auto store = storeResults(response.body)) {
-        QList<AppSearchResult> storeRows;
-        for (const AppSearchResult& row : *store) {
-            if (!containsBundleId(rows, row.bundleId) && !containsBundleId(storeRows, row.bundleId))
-                storeRows << row;
-        }
-        rows += storeRows;
-    }
-    // The typed text can always be taken as an identifier neither list knows.
-    if (!containsBundleId(rows, term))
-        rows.append({term, term, ResultType::bundleId, std::nullopt});
-    return rows;
+    return rowsFor(term, storeResults(response.body).value_or(QList<AppSearchResult>()));
 }
 
 } // namespace quorlin::apptools

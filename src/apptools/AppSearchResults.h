@@ -26,6 +26,9 @@ public:
     // system rows it shows. A body that isn't the service's JSON gives no
     // store rows. An empty term gives no rows.
     static std::optional<QList<AppSearchResult>> build(const QString& term, const SearchResponse& response);
+    // What a search without the store shows: the system matches and the
+    // typed text as an identifier.
+    static QList<AppSearchResult> withoutStore(const QString& term);
     // The store rows of a response body; nothing for a body that isn't the
     // service's JSON.
     static std::optional<QList<AppSearchResult>> storeResults(const QByteArray& body);

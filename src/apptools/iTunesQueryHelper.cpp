@@ -4,6 +4,7 @@
 
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QTimer>
 
 #include <memory>
 
@@ -73,29 +74,40 @@ QNetworkReply* iTunesQueryHelper::search(const QString& term, SearchHandler hand
 }
 
 QNetworkReply* iTunesQueryHelper::get(const QUrl& url, qint64 maximumSize, ResponseHandler handler) {
-    QNetworkRequest request(url);
-    request.setTransferTimeout(m_transferTimeout);
-    QNetworkReply* reply = m_network.get(request);
+    QNetworkReply* reply = m_network.get(QNetworkRequest(url));
     auto body = std::make_shared<QByteArray>();
-    auto tooLarge = std::make_shared<bool>(false);
-    connect(reply, &QNetworkReply::readyRead, this, [reply, body, tooLarge, maximumSize] {
-        if (*tooLarge)
+    // Set when this side gave up, so that only a caller's own abort goes unanswered.
+    auto gaveUp = std::make_shared<bool>(false);
+    auto* timer = new QTimer(reply);
+    timer->setSingleShot(true);
+    connect(timer, &QTimer::timeout, reply, [reply, gaveUp] {
+        *gaveUp = true;
+        reply->abort();
+    });
+    timer->start(m_transferTimeout);
+    connect(reply, &QNetworkReply::readyRead, this, [reply, body, gaveUp, maximumSize, timer] {
+        if (*gaveUp)
             return;
+        timer->start();
         body->append(reply->readAll());
         if (body->size() > maximumSize) {
-            *tooLarge = true;
+            *gaveUp = true;
             reply->abort();
         }
     });
-    connect(reply, &QNetworkReply::finished, this, [reply, body, tooLarge, handler = std::move(handler)] {
+    connect(reply, &QNetworkReply::finished, this, [reply, body, gaveUp, handler = std::move(handler)] {
         reply->deleteLater();
-        if (reply->error() == QNetworkReply::OperationCanceledError && !*tooLarge)
+        if (*gaveUp) {
+            handler(std::nullopt);
+            return;
+        }
+        if (reply->error() == QNetworkReply::OperationCanceledError)
             return;
         body->append(reply->readAll());
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        if (*tooLarge || !status.isValid() ||
-            (reply->error() != QNetworkReply::NoError &&
-             reply->error() < QNetworkReply::ContentAccessDenied)) {
+        // An HTTP error status is an answer; a failure on the way is none.
+        if (!status.isValid() || (reply->error() != QNetworkReply::NoError &&
+                                  reply->error() < QNetworkReply::ContentAccessDenied)) {
             handler(std::nullopt);
             return;
         }

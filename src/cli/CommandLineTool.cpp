@@ -1,6 +1,7 @@
 #include "cli/CommandLineTool.h"
 
 #include "cli/AppInspectCommand.h"
+#include "cli/AppLookupCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/DomainShowCommand.h"
 #include "cli/DomainsCommand.h"
@@ -69,6 +70,7 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<IdentityImportCommand>());
     add(std::make_unique<IdentityListCommand>());
     add(std::make_unique<AppInspectCommand>());
+    add(std::make_unique<AppLookupCommand>());
 }
 
 QString CommandLineTool::programName() {
