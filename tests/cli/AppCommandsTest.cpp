@@ -2,6 +2,7 @@
 
 #include "../apptools/ProgramFiles.h"
 #include "plist/XmlWriter.h"
+#include "support/LocalHttpServer.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,7 @@ using quorlin::test::ToolRun;
 
 namespace {
 
-class AppInspectCommandTest : public ::testing::Test {
+class AppCommandsTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_FALSE(ProgramFiles::arm64().isEmpty()) << "clang and ld64.lld are needed";
@@ -34,7 +35,7 @@ protected:
 
 } // namespace
 
-TEST_F(AppInspectCommandTest, PrintsTheInspectorsFactsOfAnApplication) {
+TEST_F(AppCommandsTest, PrintsTheInspectorsFactsOfAnApplication) {
     const ToolRun run = m_tool.run({"app", "inspect", "Sample.app"});
     EXPECT_EQ(run.exitCode, 0) << run.error.constData();
     const QStringList lines = test::lines(run.output);
@@ -47,7 +48,7 @@ TEST_F(AppInspectCommandTest, PrintsTheInspectorsFactsOfAnApplication) {
         << lines.last().toStdString();
 }
 
-TEST_F(AppInspectCommandTest, JsonListsEveryPathAndRefusalsGoToStandardError) {
+TEST_F(AppCommandsTest, JsonListsEveryPathAndRefusalsGoToStandardError) {
     const ToolRun run = m_tool.run({"app", "inspect", "--json", "Sample.app", "notes.txt"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(QString::fromUtf8(run.error).trimmed(),
@@ -61,4 +62,27 @@ TEST_F(AppInspectCommandTest, JsonListsEveryPathAndRefusalsGoToStandardError) {
 
     EXPECT_EQ(m_tool.run({"app", "inspect", "Missing.app"}).exitCode, 2);
     EXPECT_EQ(m_tool.run({"app", "inspect"}).exitCode, 2);
+}
+
+TEST_F(AppCommandsTest, LookupListsSystemAndStoreAppsAndSaysWhenTheStoreIsAway) {
+    test::LocalHttpServer server(m_tool.path(QStringLiteral(".")));
+    ASSERT_TRUE(server.listen());
+    const QString search =
+        QStringLiteral("/search?term=maps&entity=software,iPadSoftware,macSoftware&limit=1000&lang=en");
+    server.setBody(search, R"({"results": [{"trackName": "Topo Maps", "bundleId": "com.example.topo"}]})");
+    server.setContentType(search, "text/javascript; charset=utf-8");
+    qputenv("QUORLIN_ITUNES_SEARCH_URL", server.baseUrl().toEncoded());
+    const ToolRun run = m_tool.run({"app", "lookup", "maps"});
+    EXPECT_EQ(run.exitCode, 0) << run.error.constData();
+    EXPECT_EQ(test::lines(run.output),
+              (QStringList{"Maps\tcom.apple.Maps\tSystem App", "Topo Maps\tcom.example.topo\tStore App",
+                           "maps\tmaps\tBundle Identifier"}));
+
+    server.close();
+    const ToolRun offline = m_tool.run({"app", "lookup", "--json", "com.apple.Maps"});
+    qputenv("QUORLIN_ITUNES_SEARCH_URL", "http://127.0.0.1:9/");
+    EXPECT_EQ(offline.exitCode, 1);
+    const QJsonArray rows = test::json(offline.output).array();
+    ASSERT_EQ(rows.size(), 1) << "the system app has exactly the identifier typed";
+    EXPECT_EQ(rows.first().toObject().value("resultType").toString(), QStringLiteral("systemApp"));
 }
