@@ -17,6 +17,7 @@ namespace quorlin {
 
 class DocumentController;
 class ManifestRepositoryCoordinator;
+class NoticePresenter;
 class PFMDomainManager;
 class UserDefaults;
 
@@ -58,6 +59,7 @@ private:
     std::unique_ptr<DocumentController> m_documents;
     ManifestRepositoryCoordinator* m_coordinator = nullptr;
     ApplicationActions m_actions;
+    std::unique_ptr<NoticePresenter> m_inspectorNotices;
     std::function<void()> m_terminate;
     bool m_quitting = false;
 };
