@@ -11,7 +11,7 @@ cmake --build --preset fuzz -j "$(nproc)"
 
 seconds=${FUZZ_SECONDS:-600}
 targets=("$@")
-[[ ${#targets[@]} -eq 0 ]] && targets=(xml_reader binary_reader openstep_reader domain_builder standardize macho_reader signature_reader)
+[[ ${#targets[@]} -eq 0 ]] && targets=(xml_reader binary_reader openstep_reader domain_builder standardize macho_reader signature_reader app_store_json)
 for target in "${targets[@]}"; do
     work=build/fuzz/corpus/$target
     mkdir -p "$work" build/fuzz/findings

@@ -8,7 +8,7 @@
 
 #include <optional>
 
-class QNetworkReply;
+#include <QNetworkReply>
 
 namespace quorlin::apptools {
 
