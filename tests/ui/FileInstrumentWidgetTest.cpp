@@ -209,13 +209,17 @@ TEST_F(FileInstrumentWidgetTest, AppDroppedOnTheFieldGivesItsIdentifierAndNeverA
     showField(QStringLiteral("App"));
     drop(writeFile(QStringLiteral("notes.txt"), "not an app"));
     EXPECT_TRUE(written(QStringLiteral("App")).isNull());
-    EXPECT_TRUE(label("refusalLabel").text().contains(QStringLiteral("The app bundle notes.txt could not be inspected.")));
+    EXPECT_TRUE(label("refusalLabel")
+                    .text()
+                    .contains(QStringLiteral("The app bundle notes.txt could not be inspected.")));
 
     const QString app = m_folder.filePath(QStringLiteral("Mail.app"));
-    ASSERT_TRUE(test::ProgramFiles::write(app + QStringLiteral("/Contents/MacOS/Mail"), test::ProgramFiles::arm64()));
+    ASSERT_TRUE(
+        test::ProgramFiles::write(app + QStringLiteral("/Contents/MacOS/Mail"), test::ProgramFiles::arm64()));
     ASSERT_TRUE(test::ProgramFiles::write(
         app + QStringLiteral("/Contents/Info.plist"),
-        *plist::XmlWriter::write(plist::Dictionary{{"CFBundleExecutable", "Mail"}, {"CFBundleIdentifier", "com.example.Mail"}})));
+        *plist::XmlWriter::write(
+            plist::Dictionary{{"CFBundleExecutable", "Mail"}, {"CFBundleIdentifier", "com.example.Mail"}})));
     drop(app);
     EXPECT_EQ(written(QStringLiteral("App")), plist::Value(QStringLiteral("com.example.Mail")));
     EXPECT_FALSE(label("refusalLabel").isVisible());
