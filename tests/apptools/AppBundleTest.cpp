@@ -2,8 +2,10 @@
 #include "SignatureBlobBuilder.h"
 
 #include "../documents/TestPki.h"
+#include "apptools/App.h"
 #include "apptools/AppBundle.h"
 #include "apptools/AppBundleIOSOnMac.h"
+#include "apptools/AppInfo.h"
 #include "apptools/AppInformationViewModel.h"
 #include "plist/BinaryWriter.h"
 #include "plist/XmlWriter.h"
@@ -224,4 +226,46 @@ TEST(AppInformationViewModelTest, ArchitectureSentenceHasAFixedOrder) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(AppInformationViewModel::architectureSentence(c.architectures), c.sentence);
+}
+
+TEST(AppTest, ArchitectureLabelFollowsTheTables) {
+    using Label = App::ArchitectureLabel;
+    const struct {
+        QStringList architectures;
+        bool isIOS;
+        Label label;
+    } cases[] = {
+        {{"arm64"}, false, {"Apple", true}},
+        {{"arm64"}, true, {"Apple (iOS)", true}},
+        {{"x86_64"}, false, {"Intel 64", false}},
+        {{"i386"}, false, {"Intel 32", false}},
+        {{"ppc"}, false, {"PowerPC", false}},
+        {{"<unknown>"}, false, {"Unknown", false}},
+        {{"x86_64", "arm64"}, false, {"Universal", true}},
+        {{"x86_64", "arm64"}, true, {"Universal (iOS)", true}},
+        {{"ppc", "i386", "x86_64"}, false, {"PowerPC/Intel 32/64", false}},
+        {{"x86_64", "ppc"}, false, {"PowerPC/Intel 64", false}},
+        {{"i386", "ppc"}, false, {"PowerPC/Intel 32", false}},
+        {{"i386", "x86_64"}, false, {"Intel 32/64", false}},
+        {{}, false, {"Unknown", false}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(App::labelFor(c.architectures, c.isIOS), c.label)
+            << c.architectures.join(',').toStdString();
+}
+
+TEST_F(AppBundleTest, LightReadNamesTheWrappedExecutableByTheFolderWhenThePlaceholderStands) {
+    plist::Dictionary info = kSampleInfo;
+    info.insert(QStringLiteral("CFBundleExecutable"), QStringLiteral("WRAPPEDPRODUCTNAME"));
+    const QString path = makeBundle(QStringLiteral("Game.app"), QStringLiteral("WrappedBundle/Info.plist"),
+                                    QStringLiteral("WrappedBundle/"), plist::Dictionary{}, {});
+    ProgramFiles::write(path + QStringLiteral("/WrappedBundle/Info.plist"), *plist::XmlWriter::write(info));
+    ProgramFiles::write(path + QStringLiteral("/WrappedBundle/Game"), ProgramFiles::arm64());
+    const auto app = App::read(path);
+    ASSERT_TRUE(app);
+    EXPECT_EQ(AppInfo::read(path)->kind, AppInfo::Kind::iOS);
+    EXPECT_EQ(app->architectures, QStringList{"arm64"});
+    EXPECT_EQ(app->architecture, QStringLiteral("Apple (iOS)"));
+    EXPECT_EQ(app->bundleID, QStringLiteral("com.quorlin.sample"));
+    EXPECT_FALSE(App::read(m_folder.filePath(QStringLiteral("Missing.app"))));
 }
