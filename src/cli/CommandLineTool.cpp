@@ -1,5 +1,7 @@
 #include "cli/CommandLineTool.h"
 
+#include "cli/AppInspectCommand.h"
+#include "cli/AppLookupCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/DiffCommand.h"
 #include "cli/DecryptCommand.h"
@@ -79,6 +81,8 @@ CommandLineTool::CommandLineTool() {
     add(std::make_unique<ManifestsLintCommand>());
     add(std::make_unique<DiffCommand>());
     add(std::make_unique<ShowCommand>());
+    add(std::make_unique<AppInspectCommand>());
+    add(std::make_unique<AppLookupCommand>());
 }
 
 QString CommandLineTool::programName() {

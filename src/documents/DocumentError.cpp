@@ -26,7 +26,7 @@ DocumentError DocumentError::noData() {
 }
 
 DocumentError DocumentError::envelopeFailed(ProfileEncryptionServices::Failure failure) {
-    return {envelopeErrorDomain, int(failure), std::nullopt, EnvelopeWords::describe(failure)};
+    return {envelopeErrorDomain, int(failure), std::nullopt, EnvelopeWords::describe(failure), {}};
 }
 
 DocumentError DocumentError::fileFailed(int fileError, const QString& reason) {

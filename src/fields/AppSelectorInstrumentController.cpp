@@ -1,5 +1,9 @@
 #include "fields/AppSelectorInstrumentController.h"
 
+#include "apptools/AppBundle.h"
+
+#include <QFileInfo>
+
 namespace quorlin {
 
 void AppSelectorInstrumentController::setShowingButtons(bool showing) {
@@ -23,6 +27,17 @@ void AppSelectorInstrumentController::choose(const QString& chosenBundleId) {
         return;
     writeValue(PreferenceKeyValue(plist::Value(chosenBundleId)));
     notifyChange();
+}
+
+std::optional<InstrumentAlert> AppSelectorInstrumentController::chooseFile(const QString& path) {
+    const auto bundle = apptools::AppBundle::create(path);
+    const auto identifier = bundle ? bundle->bundleIdentifier() : std::nullopt;
+    if (!identifier || identifier->isEmpty())
+        return InstrumentAlert{
+            QStringLiteral("App Inspection Failed"),
+            QStringLiteral("The app bundle %1 could not be inspected.").arg(QFileInfo(path).fileName())};
+    choose(*identifier);
+    return std::nullopt;
 }
 
 void AppSelectorInstrumentController::remove() {

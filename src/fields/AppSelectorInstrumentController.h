@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fields/InstrumentAlert.h"
 #include "fields/InstrumentController.h"
 
 #include <QString>
@@ -22,6 +23,10 @@ public:
     bool isDisabled() const;
     // The sheet's confirmed choice; an empty one changes nothing.
     void choose(const QString& chosenBundleId);
+    // A chosen or dropped application or program file: its bundle
+    // identifier becomes the value, or the refusal says why it can't; the
+    // file's path is never stored.
+    std::optional<InstrumentAlert> chooseFile(const QString& path);
     void remove();
 
 protected:

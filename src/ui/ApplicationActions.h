@@ -14,6 +14,7 @@ namespace quorlin {
 struct ApplicationActions {
     QAction* newDocument = nullptr;
     QAction* open = nullptr;
+    QAction* inspectApp = nullptr;
     QAction* closeAll = nullptr;
     QAction* quit = nullptr;
     QAction* preferences = nullptr;

@@ -249,6 +249,7 @@ void DocumentWindow::buildMenus() {
     if (app) {
         addIf(file, app->newDocument);
         addIf(file, app->open);
+        addIf(file, app->inspectApp);
         if (app->fillRecentMenu) {
             QMenu* recent = file->addMenu(QStringLiteral("Open &Recent"));
             connect(recent, &QMenu::aboutToShow, this, [recent, fill = app->fillRecentMenu] {

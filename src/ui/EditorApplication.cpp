@@ -8,10 +8,13 @@
 #include "shell/QuorlinPreferencesHelper.h"
 #include "supply/PFMDomainManager.h"
 #include "ui/AnalyticsEventReporter.h"
+#include "ui/AppFileDialog.h"
+#include "ui/AppInspectorWindow.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
 #include "ui/ManifestRepositoryCoordinator.h"
 #include "ui/ManifestUpdatesWindow.h"
+#include "ui/MessageBoxNoticePresenter.h"
 #include "ui/PreferencesWindow.h"
 
 #include <QAction>
@@ -90,6 +93,11 @@ void EditorApplication::makeActions() {
     m_actions.open = makeAction(QStringLiteral("&Open…"), QKeySequence::Open);
     connect(m_actions.open, &QAction::triggered, documents,
             [documents] { documents->showOpenDialog(QApplication::activeWindow()); });
+    m_actions.inspectApp = makeAction(QStringLiteral("&Inspect App…"), QKeySequence());
+    m_inspectorNotices = std::make_unique<MessageBoxNoticePresenter>();
+    connect(m_actions.inspectApp, &QAction::triggered, this, [this] {
+        AppInspectorWindow::inspect(AppFileDialog::choose(QApplication::activeWindow()), *m_inspectorNotices);
+    });
     m_actions.closeAll =
         makeAction(QStringLiteral("Close A&ll"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
     connect(m_actions.closeAll, &QAction::triggered, documents,

@@ -21,6 +21,7 @@ class DocumentController;
 class DocumentEventReporter;
 class ManifestRepositoryCoordinator;
 class QuorlinPreferencesHelper;
+class NoticePresenter;
 class PFMDomainManager;
 class UserDefaults;
 
@@ -70,6 +71,7 @@ private:
     ApplicationActions m_actions;
     // The sibling product's profile library, watched for as long as the editor runs.
     QuorlinPreferencesHelper* m_library = nullptr;
+    std::unique_ptr<NoticePresenter> m_inspectorNotices;
     std::function<void()> m_terminate;
     bool m_quitting = false;
 };

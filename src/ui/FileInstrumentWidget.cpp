@@ -1,5 +1,7 @@
 #include "ui/FileInstrumentWidget.h"
 
+#include "apptools/iTunesQueryHelper.h"
+#include "apptools/iTunesQueryHelperAppObject.h"
 #include "fields/AppSelectorInstrumentController.h"
 #include "fields/CustomPlistInstrumentController.h"
 #include "fields/DataInstrumentController.h"
@@ -94,7 +96,32 @@ FileInstrumentWidget::FileInstrumentWidget(FieldViewController& field, Instrumen
 }
 
 FileInstrumentWidget::~FileInstrumentWidget() {
+    unwatchApp();
     m_controller.attachControl(nullptr);
+}
+
+void FileInstrumentWidget::watchApp(const std::optional<QString>& bundleId) {
+    if (m_appObject && bundleId && m_appObject->bundleId() == *bundleId)
+        return;
+    unwatchApp();
+    if (!bundleId || bundleId->isEmpty())
+        return;
+    m_appObject = apptools::iTunesQueryHelper::shared().appObject(*bundleId);
+    connect(m_appObject, &apptools::iTunesQueryHelperAppObject::infoChanged, this,
+            &FileInstrumentWidget::refresh);
+    connect(m_appObject, &apptools::iTunesQueryHelperAppObject::iconChanged, this,
+            &FileInstrumentWidget::refresh);
+    m_appObject->addInfoObserver();
+    m_appObject->addIconObserver();
+}
+
+void FileInstrumentWidget::unwatchApp() {
+    if (!m_appObject)
+        return;
+    disconnect(m_appObject, nullptr, this, nullptr);
+    m_appObject->removeInfoObserver();
+    m_appObject->removeIconObserver();
+    m_appObject.clear();
 }
 
 void FileInstrumentWidget::setChooser(std::shared_ptr<InstrumentChooser> chooser) {
@@ -122,7 +149,7 @@ void FileInstrumentWidget::useFile(const QString& path) {
     else if (auto* custom = dynamic_cast<CustomPlistInstrumentController*>(&m_controller))
         refusal = custom->importFile(path);
     else if (auto* app = dynamic_cast<AppSelectorInstrumentController*>(&m_controller))
-        app->choose(path);
+        refusal = app->chooseFile(path);
     if (!refusal) {
         m_fileName = QFileInfo(path).fileName();
         m_fileBytes = storedData().value_or(QByteArray());
@@ -231,12 +258,19 @@ QString FileInstrumentWidget::summaryText() const {
                    ? custom->explanatoryText()
                    : custom->explanatoryText() + QLatin1Char('\n') + keys.join(QStringLiteral(", "));
     }
-    if (const auto* app = dynamic_cast<const AppSelectorInstrumentController*>(&m_controller))
-        return app->bundleId().value_or(QString());
+    if (const auto* app = dynamic_cast<const AppSelectorInstrumentController*>(&m_controller)) {
+        const QString bundleId = app->bundleId().value_or(QString());
+        // The app's name beside its identifier, once the store has told it.
+        if (m_appObject && m_appObject->bundleId() == bundleId && m_appObject->appName())
+            return *m_appObject->appName() + QStringLiteral(" (") + bundleId + QLatin1Char(')');
+        return bundleId;
+    }
     return {};
 }
 
 void FileInstrumentWidget::refresh() {
+    if (const auto* app = dynamic_cast<const AppSelectorInstrumentController*>(&m_controller))
+        watchApp(app->bundleId());
     const bool buttons = showsButtons();
     const bool present = hasValue();
     m_chooseButton->setText(chooseButtonTitle());
@@ -263,8 +297,9 @@ void FileInstrumentWidget::refreshPreview() {
         m_preview->show();
         return;
     }
-    if (m_controller.type() == Types::image && bytes) {
-        const QImage image = QImage::fromData(*bytes);
+    const auto appIcon = m_appObject ? m_appObject->iconImage() : std::nullopt;
+    if ((m_controller.type() == Types::image && bytes) || appIcon) {
+        const QImage image = QImage::fromData(appIcon ? *appIcon : *bytes);
         if (!image.isNull()) {
             const qreal ratio = devicePixelRatioF();
             QPixmap pixmap = QPixmap::fromImage(image.scaled(QSize(previewSide, previewSide) * ratio,

@@ -4,6 +4,7 @@
 #include "ui/InstrumentControlRelay.h"
 
 #include <QByteArray>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -14,6 +15,10 @@ class QLabel;
 class QPushButton;
 
 namespace quorlin {
+
+namespace apptools {
+class iTunesQueryHelperAppObject;
+}
 
 class FieldViewController;
 class InstrumentChooser;
@@ -53,6 +58,9 @@ private:
     bool showsButtons() const;
     bool hasValue() const;
     std::optional<QByteArray> storedData() const;
+    // An app field watches the App Store's name and icon of its identifier.
+    void watchApp(const std::optional<QString>& bundleId);
+    void unwatchApp();
 
     FieldViewController& m_field;
     InstrumentController& m_controller;
@@ -67,6 +75,7 @@ private:
     QString m_fileName;
     QByteArray m_fileBytes;
     InstrumentControlRelay m_relay;
+    QPointer<apptools::iTunesQueryHelperAppObject> m_appObject;
 };
 
 } // namespace quorlin

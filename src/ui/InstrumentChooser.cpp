@@ -1,5 +1,8 @@
 #include "ui/InstrumentChooser.h"
 
+#include "apptools/iTunesQueryHelper.h"
+#include "ui/AppSelectorSheet.h"
+
 #include <QFileDialog>
 #include <QInputDialog>
 
@@ -22,10 +25,10 @@ public:
     }
 
     std::optional<QString> chooseBundleId(QWidget* parent) override {
-        bool accepted = false;
-        const QString text = QInputDialog::getText(parent, QString(), QStringLiteral("Bundle Identifier:"),
-                                                   QLineEdit::Normal, QString(), &accepted);
-        return accepted ? nonEmpty(text.trimmed()) : std::nullopt;
+        AppSelectorSheet sheet(apptools::iTunesQueryHelper::shared(), parent);
+        if (sheet.exec() != QDialog::Accepted || !sheet.chosenBundleId())
+            return std::nullopt;
+        return nonEmpty(*sheet.chosenBundleId());
     }
 
 private:

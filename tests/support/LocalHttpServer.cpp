@@ -25,6 +25,7 @@ void LocalHttpServer::clearOverrides() {
     m_statuses.clear();
     m_bodies.clear();
     m_stalled.clear();
+    m_contentTypes.clear();
 }
 
 void LocalHttpServer::accept() {
@@ -50,11 +51,11 @@ void LocalHttpServer::answer(QTcpSocket* socket) {
     if (m_stalled.contains(path))
         return;
     if (m_statuses.contains(path)) {
-        respond(socket, m_statuses.value(path), m_bodies.value(path));
+        respond(socket, m_statuses.value(path), m_bodies.value(path), path);
         return;
     }
     if (m_bodies.contains(path)) {
-        respond(socket, 200, m_bodies.value(path));
+        respond(socket, 200, m_bodies.value(path), path);
         return;
     }
     QFile file(QDir(m_rootFolder).filePath(path.mid(1)));
@@ -62,13 +63,16 @@ void LocalHttpServer::answer(QTcpSocket* socket) {
         respond(socket, 404, QByteArrayLiteral("Not Found"));
         return;
     }
-    respond(socket, 200, file.readAll());
+    respond(socket, 200, file.readAll(), path);
 }
 
-void LocalHttpServer::respond(QTcpSocket* socket, int status, const QByteArray& body) {
+void LocalHttpServer::respond(QTcpSocket* socket, int status, const QByteArray& body, const QString& path) {
     QByteArray response = "HTTP/1.1 " + QByteArray::number(status) + " Status\r\n";
     response += "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
-    response += "Content-Type: application/octet-stream\r\nConnection: close\r\n\r\n";
+    const QByteArray type = m_contentTypes.value(path, QByteArrayLiteral("application/octet-stream"));
+    if (!type.isEmpty())
+        response += "Content-Type: " + type + "\r\n";
+    response += "Connection: close\r\n\r\n";
     socket->write(response + body);
     socket->disconnectFromHost();
 }

@@ -27,6 +27,8 @@ public:
 
     void setStatus(const QString& path, int status) { m_statuses.insert(path, status); }
     void setBody(const QString& path, const QByteArray& body) { m_bodies.insert(path, body); }
+    // Answers the path with this Content-Type, or with none when it is empty.
+    void setContentType(const QString& path, const QByteArray& type) { m_contentTypes.insert(path, type); }
     // Never answers requests for the path, as a server that hangs.
     void stall(const QString& path) { m_stalled.insert(path); }
     void clearOverrides();
@@ -38,12 +40,13 @@ public:
 private:
     void accept();
     void answer(QTcpSocket* socket);
-    void respond(QTcpSocket* socket, int status, const QByteArray& body);
+    void respond(QTcpSocket* socket, int status, const QByteArray& body, const QString& path = {});
 
     QString m_rootFolder;
     QTcpServer m_server;
     QHash<QString, int> m_statuses;
     QHash<QString, QByteArray> m_bodies;
+    QHash<QString, QByteArray> m_contentTypes;
     QSet<QString> m_stalled;
     QStringList m_requestedPaths;
 };

@@ -18,6 +18,8 @@ void prepareTestEnvironment() {
     // program a test starts, reads from a closed port unless the test serves.
     if (qEnvironmentVariableIsEmpty("QUORLIN_RAW_CONTENT_URL"))
         qputenv("QUORLIN_RAW_CONTENT_URL", "http://127.0.0.1:9/");
+    if (qEnvironmentVariableIsEmpty("QUORLIN_ITUNES_SEARCH_URL"))
+        qputenv("QUORLIN_ITUNES_SEARCH_URL", "http://127.0.0.1:9/");
     QCoreApplication::setApplicationName(QStringLiteral("quorlin-profile-editor-tests"));
 }
 

@@ -1,3 +1,4 @@
+#include "../apptools/ProgramFiles.h"
 #include "InstrumentWidgetFixture.h"
 
 #include "fields/CustomPlistInstrumentController.h"
@@ -201,6 +202,27 @@ TEST_F(FileInstrumentWidgetTest, AppSelectorStoresTheChosenIdentifier) {
     QTest::mouseClick(m_widget->findChild<QPushButton*>("clearButton"), Qt::LeftButton);
     EXPECT_TRUE(written(QStringLiteral("App")).isNull());
     EXPECT_FALSE(label("summaryLabel").isVisible());
+}
+
+TEST_F(FileInstrumentWidgetTest, AppDroppedOnTheFieldGivesItsIdentifierAndNeverAPath) {
+    ASSERT_FALSE(test::ProgramFiles::arm64().isEmpty()) << "clang and ld64.lld are needed";
+    showField(QStringLiteral("App"));
+    drop(writeFile(QStringLiteral("notes.txt"), "not an app"));
+    EXPECT_TRUE(written(QStringLiteral("App")).isNull());
+    EXPECT_TRUE(label("refusalLabel")
+                    .text()
+                    .contains(QStringLiteral("The app bundle notes.txt could not be inspected.")));
+
+    const QString app = m_folder.filePath(QStringLiteral("Mail.app"));
+    ASSERT_TRUE(
+        test::ProgramFiles::write(app + QStringLiteral("/Contents/MacOS/Mail"), test::ProgramFiles::arm64()));
+    ASSERT_TRUE(test::ProgramFiles::write(
+        app + QStringLiteral("/Contents/Info.plist"),
+        *plist::XmlWriter::write(
+            plist::Dictionary{{"CFBundleExecutable", "Mail"}, {"CFBundleIdentifier", "com.example.Mail"}})));
+    drop(app);
+    EXPECT_EQ(written(QStringLiteral("App")), plist::Value(QStringLiteral("com.example.Mail")));
+    EXPECT_FALSE(label("refusalLabel").isVisible());
 }
 
 } // namespace
