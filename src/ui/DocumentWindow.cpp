@@ -6,6 +6,7 @@
 #include "ui/CommandAvailability.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
+#include "ui/IssuesPanel.h"
 #include "ui/PayloadFormView.h"
 #include "ui/PayloadSelectorDialog.h"
 #include "ui/PlatformFilterButtons.h"
@@ -34,6 +35,7 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
@@ -157,6 +159,12 @@ void DocumentWindow::buildLayout() {
     statusBar();
 
     connect(m_sectionList, &SectionListView::contextMenuRequested, this, &DocumentWindow::showSectionMenu);
+    connect(m_sectionList, &SectionListView::badgeClicked, this, [this](PFMSection* section) {
+        const auto issues = DocumentIssueList::collect({section});
+        if (!issues.isEmpty())
+            goToIssue(issues.first().location);
+    });
+    buildIssuesPanel();
     connect(m_content, &ContentView::addPayloadRequested, this, [this](PFMSection* section) {
         if (section)
             addPayload(*section);
@@ -227,6 +235,10 @@ void DocumentWindow::buildActions() {
     m_configuredOnlyAction->setIcon(QIcon::fromTheme(QStringLiteral("view-filter")));
     connect(m_configuredOnlyAction, &QAction::toggled, this,
             [this](bool on) { m_filter->setPredicateConfiguredOnlyActive(on); });
+    m_nextErrorAction = make(QStringLiteral("Next &Error"), QKeySequence(Qt::Key_F8),
+                             [this] { goToAdjacentIssue(DocumentIssueList::Direction::next); });
+    m_previousErrorAction = make(QStringLiteral("Pre&vious Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8),
+                                 [this] { goToAdjacentIssue(DocumentIssueList::Direction::previous); });
 }
 
 void DocumentWindow::buildMenus() {
@@ -343,6 +355,10 @@ QMenu* DocumentWindow::buildViewMenu() {
                      &FieldDisplaySettings::showBooleanDescription);
     view->addSeparator();
     view->addAction(m_configuredOnlyAction);
+    view->addSeparator();
+    view->addAction(m_issuesPanel->toggleViewAction());
+    view->addAction(m_nextErrorAction);
+    view->addAction(m_previousErrorAction);
     return view;
 }
 
@@ -515,6 +531,88 @@ void DocumentWindow::revalidateForms() {
             form->recountErrors();
         }
     }
+    refreshIssues();
+}
+
+// ---- Errors
+
+void DocumentWindow::buildIssuesPanel() {
+    m_issuesPanel = new IssuesPanel(this);
+    m_issuesPanel->toggleViewAction()->setText(QStringLiteral("&Issues"));
+    m_issuesPanel->toggleViewAction()->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_I));
+    addDockWidget(Qt::BottomDockWidgetArea, m_issuesPanel);
+    m_issuesPanel->hide();
+    connect(m_issuesPanel, &IssuesPanel::issueActivated, this, &DocumentWindow::goToIssue);
+    connect(m_issuesPanel, &QDockWidget::visibilityChanged, this, &DocumentWindow::refreshIssues);
+    // The badges move with every count; an edit may change a message alone.
+    connect(&m_sections, &SectionArrayController::badgeChanged, this, &DocumentWindow::refreshIssues);
+    connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, &DocumentWindow::refreshIssues);
+}
+
+// Once per pass of the event loop, and never under the panel's own click,
+// which the list's rebuild would pull from under it.
+void DocumentWindow::refreshIssues() {
+    if (!m_issuesPanel || m_issuesPanel->isHidden() || m_issuesRefreshPending)
+        return;
+    m_issuesRefreshPending = true;
+    QTimer::singleShot(0, this, [this] {
+        m_issuesRefreshPending = false;
+        if (!m_issuesPanel->isHidden())
+            m_issuesPanel->setIssues(DocumentIssueList::collect(m_sections.content()));
+    });
+}
+
+std::optional<DocumentIssueList::Location> DocumentWindow::focusedFieldLocation() const {
+    for (QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* row = qobject_cast<FieldRowView*>(widget))
+            return DocumentIssueList::locate(m_sections.content(), &row->field());
+    }
+    if (m_selectedSection)
+        return DocumentIssueList::Location{m_selectedSection, -1, -1};
+    return std::nullopt;
+}
+
+void DocumentWindow::goToAdjacentIssue(DocumentIssueList::Direction direction) {
+    // Only what the side-bar shows can be selected.
+    const auto issues = DocumentIssueList::collect(m_sections.arrangedObjects());
+    if (const auto issue = DocumentIssueList::step(issues, focusedFieldLocation(), direction))
+        goToIssue(issue->location);
+    else
+        statusBar()->showMessage(IssuesPanel::noIssuesText(), 3000);
+}
+
+void DocumentWindow::goToIssue(const DocumentIssueList::Location& location) {
+    if (!location.section || !m_filter->selectSection(location.section)) {
+        statusBar()->showMessage(QStringLiteral("A filter hides the section of this error."), 3000);
+        return;
+    }
+    const bool rowShown = DocumentIssueList::reveal(location);
+    SectionFormView* form = m_content->sectionFormView();
+    if (!form || location.payloadIndex >= form->payloadViews().size())
+        return;
+    PayloadFormView* payload = form->payloadViews().at(location.payloadIndex);
+    payload->followCollapsed();
+    payload->refresh();
+    QPointer<QWidget> row = rowShown ? payload->rows().at(size_t(location.fieldIndex)) : nullptr;
+    QPointer<QWidget> target = row ? row.data() : payload;
+    // A form just built shows its rows, and lays them out, on the next pass.
+    QMetaObject::invokeMethod(
+        this,
+        [this, row, target] {
+            SectionFormView* shown = m_content->sectionFormView();
+            if (!target || !shown || !shown->isAncestorOf(target))
+                return;
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+            shown->scrollArea()->ensureWidgetVisible(target);
+            auto* fieldRow = qobject_cast<FieldRowView*>(row.data());
+            if (!fieldRow)
+                return;
+            if (!fieldRow->instrumentWidgets().isEmpty())
+                fieldRow->instrumentWidgets().first()->setFocus(Qt::ShortcutFocusReason);
+            else
+                fieldRow->setFocus(Qt::ShortcutFocusReason);
+        },
+        Qt::QueuedConnection);
 }
 
 void DocumentWindow::followSelection(PFMSection* now, PFMSection* left) {

@@ -4,6 +4,7 @@
 #include "fields/FieldDisplaySettings.h"
 #include "ui/SaveDialogPresenter.h"
 #include "ui/WindowNoticePresenter.h"
+#include "workspace/DocumentIssueList.h"
 #include "workspace/EditHistory.h"
 #include "workspace/PFMSectionCollection.h"
 #include "workspace/SectionArrayController.h"
@@ -24,6 +25,7 @@ class QToolButton;
 namespace quorlin {
 
 class ContentView;
+class IssuesPanel;
 class PFMSection;
 class SectionFilter;
 class SectionListView;
@@ -69,6 +71,9 @@ public:
     QAction* saveAction() const { return m_saveAction; }
     QAction* findAction() const { return m_findAction; }
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
+    QAction* nextErrorAction() const { return m_nextErrorAction; }
+    QAction* previousErrorAction() const { return m_previousErrorAction; }
+    IssuesPanel* issuesPanel() const { return m_issuesPanel; }
 
     void selectSection(PFMSection* section);
     void setSigningIdentityTrust(std::function<bool(const QString& identityName)> isTrusted);
@@ -80,6 +85,9 @@ public:
     // The section the payload commands act on: the clicked row, else the selection.
     PFMSection* commandSection() const;
     void updateCommandStates();
+    // Selects the field's section, scrolls to its row and focuses it.
+    void goToIssue(const DocumentIssueList::Location& location);
+    void goToAdjacentIssue(DocumentIssueList::Direction direction);
 
     // Asks about invalid values, then for a place when needed; `done` learns
     // whether the file was written.
@@ -135,6 +143,9 @@ private:
     void addPayloadFromFile(PFMSection& section);
     void countUntrackedEdit();
     void revalidateForms();
+    void buildIssuesPanel();
+    void refreshIssues();
+    std::optional<DocumentIssueList::Location> focusedFieldLocation() const;
     void updateTitle();
     QStringList payloadTitles(const PFMSection& section) const;
     static QStringList profileFilesIn(const QMimeData* data);
@@ -175,6 +186,10 @@ private:
     QAction* m_closeAction = nullptr;
     QAction* m_findAction = nullptr;
     QAction* m_configuredOnlyAction = nullptr;
+    QAction* m_nextErrorAction = nullptr;
+    QAction* m_previousErrorAction = nullptr;
+    IssuesPanel* m_issuesPanel = nullptr;
+    bool m_issuesRefreshPending = false;
 };
 
 } // namespace quorlin
