@@ -26,6 +26,7 @@ QList<FactoryDefaults::Entry> FactoryDefaults::table() {
         {maximizeNonStandardManifestCompatibility, true},
         {lastShownOnlineManifestsUpdateModificationDate, distantPast()},
         {lastChoiceShowingBooleanDescriptions, false},
+        {lastChoiceFormDensity, QStringLiteral("comfortable")},
     };
 }
 

@@ -19,6 +19,7 @@
 #include "workspace/PayloadViewController.h"
 #include "workspace/SectionFilter.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -51,6 +52,8 @@ namespace {
 
 const QString profileSuffix = QStringLiteral("mobileconfig");
 const QString payloadDisplayNameName = QStringLiteral("PayloadDisplayName");
+const QString compactDensityName = QStringLiteral("compact");
+const QString comfortableDensityName = QStringLiteral("comfortable");
 
 void applyState(QAction* action, const CommandAvailability::State& state, const QString& tip) {
     action->setEnabled(state.enabled);
@@ -108,6 +111,8 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
     m_displaySettings.showBooleanDescription =
         defaults.boolean(DefaultsKey::lastChoiceShowingBooleanDescriptions) == true;
     m_displaySettings.filteredForPlatforms = m_filter->filteredForPlatforms();
+    m_displaySettings.compactDensity =
+        defaults.string(DefaultsKey::lastChoiceFormDensity) == compactDensityName;
 
     buildActions();
     buildLayout();
@@ -353,6 +358,7 @@ QMenu* DocumentWindow::buildViewMenu() {
     addDisplayToggle(*view, QStringLiteral("Show &Boolean Descriptions"),
                      DefaultsKey::lastChoiceShowingBooleanDescriptions,
                      &FieldDisplaySettings::showBooleanDescription);
+    addDensityMenu(*view);
     view->addSeparator();
     view->addAction(m_configuredOnlyAction);
     view->addSeparator();
@@ -373,6 +379,26 @@ void DocumentWindow::addDisplayToggle(QMenu& menu, const QString& title, const Q
         m_displaySettings.*field = on;
         applyDisplaySettings();
     });
+}
+
+void DocumentWindow::addDensityMenu(QMenu& view) {
+    QMenu* density = view.addMenu(QStringLiteral("Form D&ensity"));
+    density->setObjectName(DefaultsKey::lastChoiceFormDensity);
+    auto* choices = new QActionGroup(density);
+    for (const bool compact : {false, true}) {
+        QAction* action =
+            density->addAction(compact ? QStringLiteral("&Compact") : QStringLiteral("C&omfortable"));
+        action->setObjectName(compact ? compactDensityName : comfortableDensityName);
+        action->setCheckable(true);
+        action->setChecked(m_displaySettings.compactDensity == compact);
+        choices->addAction(action);
+        connect(action, &QAction::triggered, this, [this, compact] {
+            m_defaults.set(DefaultsKey::lastChoiceFormDensity,
+                           plist::Value(compact ? compactDensityName : comfortableDensityName));
+            m_displaySettings.compactDensity = compact;
+            applyDisplaySettings();
+        });
+    }
 }
 
 void DocumentWindow::buildToolbar() {

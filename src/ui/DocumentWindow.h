@@ -128,6 +128,7 @@ private:
     void addDisplayToggle(QMenu& menu, const QString& title, const QString& defaultsKey,
                           bool FieldDisplaySettings::*field);
     void applyDisplaySettings();
+    void addDensityMenu(QMenu& view);
     void bindSections();
     void setUpDocument();
     bool applyProfileProperties();

@@ -43,6 +43,11 @@ public:
 
     QLabel* titleLabel() const { return m_title; }
     QLabel* errorLabel() const { return m_error; }
+    QLabel* descriptionLabel() const { return m_description; }
+    // In the compact density, until the description is clicked.
+    bool isDescriptionFolded() const;
+    static QString descriptionFoldedTip();
+    static QString descriptionUnfoldedTip();
     const QList<QWidget*>& instrumentWidgets() const { return m_instruments; }
 
 private:
@@ -51,6 +56,7 @@ private:
     void buildDetailsRow();
     void followRightClicks(QWidget* instrument);
     void refreshDetails();
+    void applyDensity();
     QString detailsSignature() const;
     void perform(FieldViewController::MenuAction action);
 
@@ -66,6 +72,7 @@ private:
     QList<QWidget*> m_instruments;
     QString m_detailsSignature;
     bool m_detailsBuilt = false;
+    bool m_descriptionExpanded = false;
     QPointer<PropertyInfoPopover> m_popover;
 };
 
