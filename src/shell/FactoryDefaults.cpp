@@ -26,7 +26,6 @@ QList<FactoryDefaults::Entry> FactoryDefaults::table() {
         {maximizeNonStandardManifestCompatibility, true},
         {lastShownOnlineManifestsUpdateModificationDate, distantPast()},
         {lastChoiceShowingBooleanDescriptions, false},
-        {lastChoiceFormDensity, QStringLiteral("comfortable")},
     };
 }
 
