@@ -4,6 +4,7 @@
 #include "workspace/KeyValueCommand.h"
 #include "workspace/PayloadCommands.h"
 #include "workspace/PayloadViewController.h"
+#include "workspace/UnfamiliarPayloadCommand.h"
 
 #include <algorithm>
 #include <memory>
@@ -90,6 +91,21 @@ void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFM
     if (section.sectionKind() != PFMSection::Kinds::unfamiliar || !sections.content().contains(&section))
         return;
     m_undoStack.push(new RemoveUnfamiliarPayloadsCommand(sections, section, profile));
+}
+
+bool EditHistory::replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType,
+                                           int ordinal, const plist::Dictionary& after) {
+    if (!profile || after.string(QStringLiteral("PayloadType")) != payloadType)
+        return false;
+    const auto& payloads = profile->unfamiliarPayloads();
+    const auto count = std::count_if(payloads.begin(), payloads.end(), [&](const plist::Dictionary& payload) {
+        return payload.string(QStringLiteral("PayloadType")) == payloadType;
+    });
+    if (ordinal < 0 || ordinal >= count)
+        return false;
+    m_undoStack.push(new UnfamiliarPayloadCommand(profile, payloadType, ordinal, after,
+                                                  [this] { Q_EMIT unfamiliarPayloadChanged(); }));
+    return true;
 }
 
 void EditHistory::repairBeforeSave(const Profile::Pointer& profile) {

@@ -47,6 +47,10 @@ public:
     void removeUnfamiliarPayloads(SectionArrayController& sections, PFMSection& section,
                                   const Profile::Pointer& profile);
     void populateDefaults(PayloadViewController& form);
+    // The `ordinal`-th unfamiliar payload of its type becomes `after`; refused
+    // (false) when it isn't there or `after` changes its type.
+    bool replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType, int ordinal,
+                                  const plist::Dictionary& after);
 
     // A save repairs duplicate and default identifiers before it writes.
     // Doing it here first makes the repair a step of its own, so that the
@@ -65,6 +69,8 @@ public:
 Q_SIGNALS:
     // A payload's unfamiliar keys went or came back; forms show a notice of them.
     void unfamiliarPreferenceKeysChanged();
+    // An unfamiliar payload changed, by an edit, its undo or its redo.
+    void unfamiliarPayloadChanged();
     void changeCountChanged(int changeCount);
 
 private:
