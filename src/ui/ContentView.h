@@ -52,6 +52,9 @@ Q_SIGNALS:
     void saveSignedWithCommonNameEdited(PFMSection* section);
     // The user asks to drop a payload's unfamiliar keys: an edit for the history.
     void unfamiliarPropertiesRemoveRequested(PFMSection* section, const std::shared_ptr<Payload>& payload);
+    // The raw editor of an unfamiliar payload (the `ordinal`-th of its type) offers an edit.
+    void unfamiliarPayloadEdited(PFMSection* section, const QString& payloadType, int ordinal,
+                                 const plist::Dictionary& after);
 
 private:
     void rebuild();

@@ -186,6 +186,19 @@ void DocumentWindow::buildLayout() {
         if (SectionFormView* form = m_content->sectionFormView())
             form->refresh();
     });
+    connect(m_content, &ContentView::unfamiliarPayloadEdited, this,
+            [this](PFMSection*, const QString& type, int ordinal, const plist::Dictionary& after) {
+                if (!m_history.replaceUnfamiliarPayload(m_document->profile(), type, ordinal, after))
+                    statusBar()->showMessage(QStringLiteral("The payload's type can't change here."), 3000);
+            });
+    // The raw editor shows what the payload holds after an edit, an undo or a redo.
+    connect(&m_history, &EditHistory::unfamiliarPayloadChanged, this, [this] {
+        if (m_selectedSection && m_selectedSection->sectionKind() == PFMSection::Kinds::unfamiliar)
+            QTimer::singleShot(0, this, [this] {
+                m_content->setSection(nullptr);
+                m_content->setSection(m_selectedSection);
+            });
+    });
     // The signing choice isn't a key of the profile; the history doesn't see it.
     connect(m_content, &ContentView::saveSignedWithCommonNameEdited, this,
             &DocumentWindow::countUntrackedEdit);

@@ -1,0 +1,86 @@
+#include "EditorTestSupport.h"
+
+#include "ui/ContentView.h"
+#include "ui/PropertyListEditor.h"
+
+#include <QComboBox>
+#include <QPushButton>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+namespace quorlin {
+namespace {
+
+using namespace test;
+using Path = PropertyListEdit::Path;
+
+// A profile with one payload no manifest describes, edited in its raw tree.
+class RawEditor : public EditorFixture {
+protected:
+    void SetUp() override {
+        EditorFixture::SetUp();
+        window = open(copyProfile(QStringLiteral("unfamiliar-payload.mobileconfig")));
+        ASSERT_TRUE(window);
+        window->show();
+        for (PFMSection* section : window->sections().arrangedObjects()) {
+            if (section->sectionKind() == PFMSection::Kinds::unfamiliar)
+                window->selectSection(section);
+        }
+        ASSERT_TRUE(editor());
+    }
+
+    // The view is rebuilt after each edit, on the next pass.
+    PropertyListEditor* editor() const {
+        QTest::qWait(0);
+        return window->contentView()->findChild<PropertyListEditor*>();
+    }
+    const plist::Dictionary& payload() const {
+        return window->document().profile()->unfamiliarPayloads().first();
+    }
+    void select(const Path& path) const { editor()->tree()->setCurrentItem(editor()->itemAt(path)); }
+
+    DocumentWindow* window = nullptr;
+};
+
+TEST_F(RawEditor, EditsValuesKeysAndTypesAsUndoableStepsAndTheTreeFollows) {
+    const QByteArray opened = profileBytes(*window->document().profile());
+    const Path count{QStringLiteral("Count")};
+    QTreeWidgetItem* item = editor()->itemAt(count);
+    ASSERT_TRUE(item);
+    EXPECT_EQ(item->text(PropertyListEditor::typeColumn), QStringLiteral("Integer"));
+
+    item->setText(PropertyListEditor::valueColumn, QStringLiteral("7"));
+    EXPECT_EQ(payload().integer(QStringLiteral("Count")), 7);
+    EXPECT_TRUE(window->isWindowModified());
+    EXPECT_EQ(editor()->itemAt(count)->text(PropertyListEditor::valueColumn), QStringLiteral("7"));
+
+    // Text that isn't an integer is refused and the tree shows the value again.
+    editor()->itemAt(count)->setText(PropertyListEditor::valueColumn, QStringLiteral("seven"));
+    EXPECT_EQ(payload().integer(QStringLiteral("Count")), 7);
+    EXPECT_EQ(editor()->itemAt(count)->text(PropertyListEditor::valueColumn), QStringLiteral("7"));
+
+    select(count);
+    const int stringIndex = editor()->typeChooser()->findText(QStringLiteral("String"));
+    editor()->typeChooser()->setCurrentIndex(stringIndex);
+    Q_EMIT editor()->typeChooser()->activated(stringIndex);
+    EXPECT_EQ(payload().string(QStringLiteral("Count")), QStringLiteral("7"));
+
+    select({QStringLiteral("Servers")});
+    QTest::mouseClick(editor()->addButton(), Qt::LeftButton);
+    ASSERT_EQ(payload().array(QStringLiteral("Servers"))->size(), 2);
+    select({QStringLiteral("Servers"), 0});
+    QTest::mouseClick(editor()->removeButton(), Qt::LeftButton);
+    EXPECT_EQ(payload().array(QStringLiteral("Servers"))->first().toString(), QString());
+    editor()->itemAt(count)->setText(PropertyListEditor::keyColumn, QStringLiteral("Total"));
+    EXPECT_TRUE(payload().contains(QStringLiteral("Total")));
+
+    for (int step = 0; step < 5; ++step)
+        window->undoAction()->trigger();
+    EXPECT_EQ(profileBytes(*window->document().profile()), opened);
+    EXPECT_FALSE(window->isWindowModified());
+    EXPECT_EQ(editor()->itemAt(count)->text(PropertyListEditor::valueColumn), QStringLiteral("3"));
+}
+
+} // namespace
+} // namespace quorlin
