@@ -6,6 +6,7 @@
 #include "ui/TagLabel.h"
 #include "workspace/PFMSection.h"
 #include "workspace/PFMSectionViewController.h"
+#include "workspace/PayloadViewController.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -107,7 +108,9 @@ void ContentView::rebuild() {
     if (!m_section)
         return;
     PFMSection& section = *m_section;
-    if (section.sectionViewController())
+    if (section.sectionViewController() && m_showsPropertyList)
+        m_current = makePropertyListView(section);
+    else if (section.sectionViewController())
         m_current = makeFormView(section);
     else if (section.sectionKind() == PFMSection::Kinds::unfamiliar)
         m_current = makeUnfamiliarView(section);
@@ -128,6 +131,42 @@ QWidget* ContentView::makeFormView(PFMSection& section) {
                 Q_EMIT unfamiliarPropertiesRemoveRequested(pointer, payload);
             });
     return m_formView;
+}
+
+void ContentView::setShowsPropertyList(bool shows) {
+    if (shows == m_showsPropertyList)
+        return;
+    m_showsPropertyList = shows;
+    rebuild();
+}
+
+void ContentView::reload() {
+    rebuild();
+}
+
+QWidget* ContentView::makePropertyListView(PFMSection& section) {
+    auto* view = new QScrollArea(this);
+    view->setObjectName(QStringLiteral("propertyListView"));
+    view->setWidgetResizable(true);
+    view->setFrameShape(QFrame::NoFrame);
+    auto* content = new QWidget(view);
+    auto* column = new QVBoxLayout(content);
+    column->addWidget(headline(section.sectionProperties().title, content));
+    for (const auto& form : section.sectionViewController()->payloadControllers()) {
+        const Payload::Pointer payload = form->payload();
+        if (!payload)
+            continue;
+        if (section.sectionViewController()->payloadControllers().size() > 1)
+            column->addWidget(new QLabel(form->title(), content));
+        auto* editor = new PropertyListEditor(payload->writeOutDictionary(), content);
+        editor->setMinimumHeight(fontMetrics().height() * 16);
+        connect(editor, &PropertyListEditor::edited, this, [this, payload](const plist::Dictionary& after) {
+            Q_EMIT payloadDictionaryEdited(payload, after);
+        });
+        column->addWidget(editor, 1);
+    }
+    view->setWidget(content);
+    return view;
 }
 
 QWidget* ContentView::makeNotEnabledView(PFMSection& section) {

@@ -191,13 +191,20 @@ void DocumentWindow::buildLayout() {
                 if (!m_history.replaceUnfamiliarPayload(m_document->profile(), type, ordinal, after))
                     statusBar()->showMessage(QStringLiteral("The payload's type can't change here."), 3000);
             });
-    // The raw editor shows what the payload holds after an edit, an undo or a redo.
-    connect(&m_history, &EditHistory::unfamiliarPayloadChanged, this, [this] {
-        if (m_selectedSection && m_selectedSection->sectionKind() == PFMSection::Kinds::unfamiliar)
-            QTimer::singleShot(0, this, [this] {
-                m_content->setSection(nullptr);
-                m_content->setSection(m_selectedSection);
+    connect(m_content, &ContentView::payloadDictionaryEdited, this,
+            [this](const Payload::Pointer& payload, const plist::Dictionary& after) {
+                if (m_history.setPayloadDictionary(payload, after))
+                    return;
+                statusBar()->showMessage(QStringLiteral("The form edits this: new keys, other types and what "
+                                                        "arrays and dictionaries hold can't change here."),
+                                         5000);
+                reloadRawEditor();
             });
+    // The raw editor shows what the payload holds after an edit, an undo or a redo.
+    connect(&m_history, &EditHistory::unfamiliarPayloadChanged, this, &DocumentWindow::reloadRawEditor);
+    connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, [this] {
+        if (m_content->showsPropertyList())
+            reloadRawEditor();
     });
     // The signing choice isn't a key of the profile; the history doesn't see it.
     connect(m_content, &ContentView::saveSignedWithCommonNameEdited, this,
@@ -255,6 +262,11 @@ void DocumentWindow::buildActions() {
             [this](bool on) { m_filter->setPredicateConfiguredOnlyActive(on); });
     m_nextErrorAction = make(QStringLiteral("Next &Error"), QKeySequence(Qt::Key_F8),
                              [this] { goToAdjacentIssue(DocumentIssueList::Direction::next); });
+    m_showAsPropertyListAction = new QAction(QStringLiteral("Show as Property &List"), this);
+    m_showAsPropertyListAction->setCheckable(true);
+    m_showAsPropertyListAction->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_P));
+    connect(m_showAsPropertyListAction, &QAction::toggled, this,
+            [this](bool on) { m_content->setShowsPropertyList(on); });
     m_previousErrorAction = make(QStringLiteral("Pre&vious Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8),
                                  [this] { goToAdjacentIssue(DocumentIssueList::Direction::previous); });
 }
@@ -375,6 +387,7 @@ QMenu* DocumentWindow::buildViewMenu() {
     view->addSeparator();
     view->addAction(m_configuredOnlyAction);
     view->addSeparator();
+    view->addAction(m_showAsPropertyListAction);
     view->addAction(m_issuesPanel->toggleViewAction());
     view->addAction(m_nextErrorAction);
     view->addAction(m_previousErrorAction);
@@ -586,6 +599,11 @@ void DocumentWindow::buildIssuesPanel() {
     // The badges move with every count; an edit may change a message alone.
     connect(&m_sections, &SectionArrayController::badgeChanged, this, &DocumentWindow::refreshIssues);
     connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, &DocumentWindow::refreshIssues);
+}
+
+// After the edit's own signals are done with the editor that sent it.
+void DocumentWindow::reloadRawEditor() {
+    QTimer::singleShot(0, this, [this] { m_content->reload(); });
 }
 
 // Once per pass of the event loop, and never under the panel's own click,

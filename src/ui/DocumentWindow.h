@@ -72,6 +72,7 @@ public:
     QAction* findAction() const { return m_findAction; }
     QAction* configuredOnlyAction() const { return m_configuredOnlyAction; }
     QAction* nextErrorAction() const { return m_nextErrorAction; }
+    QAction* showAsPropertyListAction() const { return m_showAsPropertyListAction; }
     QAction* previousErrorAction() const { return m_previousErrorAction; }
     IssuesPanel* issuesPanel() const { return m_issuesPanel; }
 
@@ -145,6 +146,7 @@ private:
     void countUntrackedEdit();
     void revalidateForms();
     void buildIssuesPanel();
+    void reloadRawEditor();
     void refreshIssues();
     std::optional<DocumentIssueList::Location> focusedFieldLocation() const;
     void updateTitle();
@@ -188,6 +190,7 @@ private:
     QAction* m_findAction = nullptr;
     QAction* m_configuredOnlyAction = nullptr;
     QAction* m_nextErrorAction = nullptr;
+    QAction* m_showAsPropertyListAction = nullptr;
     QAction* m_previousErrorAction = nullptr;
     IssuesPanel* m_issuesPanel = nullptr;
     bool m_issuesRefreshPending = false;

@@ -93,6 +93,36 @@ void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFM
     m_undoStack.push(new RemoveUnfamiliarPayloadsCommand(sections, section, profile));
 }
 
+bool EditHistory::setPayloadDictionary(const Payload::Pointer& payload, const plist::Dictionary& after) {
+    if (!payload)
+        return false;
+    const plist::Dictionary before = payload->writeOutDictionary();
+    QList<std::pair<PreferenceKey::Pointer, PreferenceKeyValue>> changes;
+    QStringList names = before.keys() + after.keys();
+    names.removeDuplicates();
+    for (const QString& name : names) {
+        const plist::Value& old = before.value(name);
+        const plist::Value& now = after.value(name);
+        if (old == now)
+            continue;
+        const auto key = payload->keyAtPath(name);
+        const bool plain = !old.isArray() && !old.isDictionary() && !now.isArray() && !now.isDictionary();
+        // The manifest's type holds: another is refused, not saved to be wrong.
+        if (!key || !plain ||
+            (!now.isNull() && !PFMKeyPrototype::isOfPlistClass(now, key->prototype().kind())))
+            return false;
+        changes.append({key, now.isNull() ? PreferenceKeyValue() : PreferenceKeyValue(now)});
+    }
+    if (changes.isEmpty())
+        return false;
+    m_undoStack.push(
+        new KeySnapshotCommand(QStringLiteral("Edit Property List"), payload->preferenceKeys(), [changes] {
+            for (const auto& [key, value] : changes)
+                key->setValue(value);
+        }));
+    return true;
+}
+
 bool EditHistory::replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType,
                                            int ordinal, const plist::Dictionary& after) {
     if (!profile || after.string(QStringLiteral("PayloadType")) != payloadType)

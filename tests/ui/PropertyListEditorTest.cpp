@@ -1,9 +1,13 @@
 #include "EditorTestSupport.h"
 
 #include "ui/ContentView.h"
+#include "ui/FieldRowView.h"
+#include "ui/PayloadFormView.h"
 #include "ui/PropertyListEditor.h"
+#include "ui/SectionFormView.h"
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -80,6 +84,45 @@ TEST_F(RawEditor, EditsValuesKeysAndTypesAsUndoableStepsAndTheTreeFollows) {
     EXPECT_EQ(profileBytes(*window->document().profile()), opened);
     EXPECT_FALSE(window->isWindowModified());
     EXPECT_EQ(editor()->itemAt(count)->text(PropertyListEditor::valueColumn), QStringLiteral("3"));
+}
+
+// Any payload on demand: the tree edits the values the form edits, checked
+// by the manifest, and the two show the same.
+class RawEditorOfManifests : public EditorFixture {};
+
+TEST_F(RawEditorOfManifests, ShowAsPropertyListEditsInStepWithTheForm) {
+    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    ASSERT_TRUE(window);
+    window->show();
+    PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
+    window->selectSection(dock);
+    window->showAsPropertyListAction()->trigger();
+    const auto editor = [window] {
+        QTest::qWait(0);
+        return window->contentView()->findChild<PropertyListEditor*>();
+    };
+    ASSERT_TRUE(editor());
+    const Path tile{QStringLiteral("tilesize")};
+    EXPECT_EQ(editor()->itemAt(tile)->text(PropertyListEditor::valueColumn), QStringLiteral("48"));
+
+    editor()->itemAt(tile)->setText(PropertyListEditor::valueColumn, QStringLiteral("500"));
+    EXPECT_EQ(editor()->itemAt(tile)->text(PropertyListEditor::valueColumn), QStringLiteral("500"));
+    EXPECT_EQ(dock->errorCount(), 1);
+    // The manifest says integer: another type is refused.
+    editor()->tree()->setCurrentItem(editor()->itemAt(tile));
+    const int stringIndex = editor()->typeChooser()->findText(QStringLiteral("String"));
+    Q_EMIT editor()->typeChooser()->activated(stringIndex);
+    EXPECT_EQ(editor()->itemAt(tile)->text(PropertyListEditor::typeColumn), QStringLiteral("Integer"));
+    EXPECT_EQ(window->history().undoStack().count(), 1);
+
+    window->showAsPropertyListAction()->trigger();
+    FieldRowView* row =
+        window->contentView()->sectionFormView()->payloadViews().first()->rowForKey(tile.first().toString());
+    ASSERT_TRUE(row);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(row->instrumentWidgets().first())->text(), QStringLiteral("500"));
+    window->undoAction()->trigger();
+    EXPECT_EQ(dock->errorCount(), 0);
+    EXPECT_FALSE(window->isWindowModified());
 }
 
 } // namespace

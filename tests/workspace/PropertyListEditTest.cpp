@@ -1,5 +1,6 @@
 #include "workspace/PropertyListEdit.h"
 #include "WorkspaceTestSupport.h"
+#include "schema/SchemaTrees.h"
 #include "workspace/EditHistory.h"
 
 #include <gtest/gtest.h>
@@ -105,6 +106,41 @@ TEST(PropertyListEdit, UnfamiliarPayloadEditsAreStepsOfTheHistory) {
     retyped.insert(QStringLiteral("PayloadType"), QStringLiteral("com.example.other"));
     EXPECT_FALSE(history.replaceUnfamiliarPayload(opened, type, 0, retyped));
     EXPECT_FALSE(history.replaceUnfamiliarPayload(opened, type, 1, *edited));
+}
+
+// A payload a manifest describes takes plain values of keys it knows, in
+// their types; the rest stays the form's.
+TEST(PropertyListEdit, APayloadOfAManifestTakesPlainValuesOfItsKeys) {
+    const auto relay = PFMDomain::make(manifestTree(
+        QStringLiteral("com.example.relay"),
+        {keyTree(QStringLiteral("Port"), QStringLiteral("integer"), {{QStringLiteral("pfm_range_max"), 100}}),
+         keyTree(QStringLiteral("Hosts"), QStringLiteral("array"),
+                 {{QStringLiteral("pfm_subkeys"), plist::Array{itemTree(QStringLiteral("string"))}}})}));
+    const Profile::DomainList domains{fixtureDomain(QStringLiteral("root")), relay};
+    const auto profile = Profile::makeNewProfile(domains, makeTestEnvironment());
+    const auto payload = profile->addPayload(relay);
+    ASSERT_TRUE(payload);
+    EditHistory history;
+    const auto port = payload->keyAtPath(QStringLiteral("Port"));
+    const plist::Dictionary written = payload->writeOutDictionary();
+
+    auto after = written;
+    after.insert(QStringLiteral("Port"), 500);
+    ASSERT_TRUE(history.setPayloadDictionary(payload, after));
+    EXPECT_EQ(port->value().plistValue()->toInteger(), 500);
+    EXPECT_EQ(payload->writeOutDictionary(), after);
+    history.undoStack().undo();
+    EXPECT_EQ(payload->writeOutDictionary(), written);
+
+    auto retyped = after;
+    retyped.insert(QStringLiteral("Port"), QStringLiteral("500"));
+    auto unknown = written;
+    unknown.insert(QStringLiteral("New Key"), QString());
+    auto nested = written;
+    nested.insert(QStringLiteral("Hosts"), plist::Array{"a"});
+    for (const auto& refused : {retyped, unknown, nested, written})
+        EXPECT_FALSE(history.setPayloadDictionary(payload, refused));
+    EXPECT_EQ(history.undoStack().index(), 0);
 }
 
 } // namespace
