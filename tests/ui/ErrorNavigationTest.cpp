@@ -11,6 +11,7 @@
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QLabel>
 #include <QScrollArea>
@@ -132,6 +133,23 @@ TEST_F(ErrorNavigation, TheIssuesPanelListsWhatTheBadgesCountAndLeadsToTheField)
     window->history().undoStack().undo();
     EXPECT_TRUE(listsIssues(2));
     EXPECT_EQ(panel->issues().size(), badgeSum());
+}
+
+// The panel is reached and used from the keyboard, and a screen reader names it.
+TEST_F(ErrorNavigation, TheIssuesPanelWorksFromTheKeyboardAndIsNamed) {
+    QAction* toggle = window->issuesPanel()->toggleViewAction();
+    EXPECT_FALSE(toggle->shortcut().isEmpty());
+    QTest::keySequence(window, toggle->shortcut());
+    ASSERT_TRUE(listsIssues(2));
+    QTreeWidget* list = window->issuesPanel()->list();
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(list);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->text(QAccessible::Name), IssuesPanel::title());
+    window->selectSection(other);
+    list->setFocus();
+    list->setCurrentItem(list->topLevelItem(1));
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_TRUE(reaches(QStringLiteral("largesize")));
 }
 
 TEST_F(ErrorNavigation, ClickingABadgeGoesToTheSectionsFirstError) {

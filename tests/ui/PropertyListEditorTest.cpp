@@ -6,6 +6,7 @@
 #include "ui/PropertyListEditor.h"
 #include "ui/SectionFormView.h"
 
+#include <QAccessible>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -78,6 +79,14 @@ TEST_F(RawEditor, EditsValuesKeysAndTypesAsUndoableStepsAndTheTreeFollows) {
     EXPECT_EQ(payload().array(QStringLiteral("Servers"))->first().toString(), QString());
     editor()->itemAt(count)->setText(PropertyListEditor::keyColumn, QStringLiteral("Total"));
     EXPECT_TRUE(payload().contains(QStringLiteral("Total")));
+
+    // What a screen reader says of the editor's parts.
+    for (QWidget* part : QList<QWidget*>{editor()->tree(), editor()->addButton(), editor()->removeButton(),
+                                         editor()->typeChooser()}) {
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(part);
+        ASSERT_TRUE(accessible);
+        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << part->metaObject()->className();
+    }
 
     for (int step = 0; step < 5; ++step)
         window->undoAction()->trigger();
