@@ -596,6 +596,11 @@ void DocumentWindow::buildIssuesPanel() {
     m_issuesPanel->hide();
     connect(m_issuesPanel, &IssuesPanel::issueActivated, this, &DocumentWindow::goToIssue);
     connect(m_issuesPanel, &QDockWidget::visibilityChanged, this, &DocumentWindow::refreshIssues);
+    // A few lines at first: the form stays the window's main part.
+    connect(m_issuesPanel->toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
+        if (shown)
+            resizeDocks({m_issuesPanel}, {fontMetrics().height() * 9}, Qt::Vertical);
+    });
     // The badges move with every count; an edit may change a message alone.
     connect(&m_sections, &SectionArrayController::badgeChanged, this, &DocumentWindow::refreshIssues);
     connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, &DocumentWindow::refreshIssues);
