@@ -19,6 +19,8 @@ struct FieldDisplaySettings {
     bool showPlatformTagOnlyWhenDifferent = false;
     bool showPropertyDocumentationButton = false;
     bool showBooleanDescription = false;
+    // Tighter rows, descriptions folded to their first line.
+    bool compactDensity = false;
     std::optional<QString> highlightedTerm;
     // Every shown row must support each of these; empty means no filter.
     PFMSupportedPlatforms::Models filteredForPlatforms;

@@ -30,6 +30,8 @@ inline const QString lastShownOnlineManifestsUpdateModificationDate =
     QStringLiteral("lastShownOnlineManifestsUpdateModificationDate");
 inline const QString lastChoiceShowingBooleanDescriptions =
     QStringLiteral("lastChoiceShowingBooleanDescriptions");
+// "comfortable" or "compact"; unset reads as "comfortable".
+inline const QString lastChoiceFormDensity = QStringLiteral("lastChoiceFormDensity");
 
 // Absent until written.
 inline const QString preferencesDefaultsOrganizationName =

@@ -1,14 +1,16 @@
 #include "ui/ContentView.h"
 
 #include "fields/PlatformTag.h"
+#include "ui/PropertyListEditor.h"
 #include "ui/SectionFormView.h"
 #include "ui/TagLabel.h"
 #include "workspace/PFMSection.h"
 #include "workspace/PFMSectionViewController.h"
+#include "workspace/PayloadViewController.h"
 
-#include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMap>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -26,16 +28,6 @@ QLabel* headline(const QString& text, QWidget* parent) {
     label->setFont(large);
     label->setWordWrap(true);
     return label;
-}
-
-QString valueText(const plist::Value& value) {
-    if (const auto string = value.toString())
-        return *string;
-    if (const auto* array = value.array())
-        return QStringLiteral("%1 item(s)").arg(array->size());
-    if (const auto* dictionary = value.dictionary())
-        return QStringLiteral("%1 key(s)").arg(dictionary->size());
-    return value.debugDescription();
 }
 
 } // namespace
@@ -65,8 +57,8 @@ QString ContentView::unfamiliarDomainLabel() {
 }
 
 QString ContentView::unfamiliarDomainExplanation() {
-    return QStringLiteral("No manifest describes this payload type, so it can't be edited. "
-                          "Its keys and values are kept as they are and saved with the profile.");
+    return QStringLiteral("No manifest describes this payload type: its keys and values are edited "
+                          "here as a property list, and saved with the profile as they are.");
 }
 
 void ContentView::setSection(PFMSection* section) {
@@ -116,7 +108,9 @@ void ContentView::rebuild() {
     if (!m_section)
         return;
     PFMSection& section = *m_section;
-    if (section.sectionViewController())
+    if (section.sectionViewController() && m_showsPropertyList)
+        m_current = makePropertyListView(section);
+    else if (section.sectionViewController())
         m_current = makeFormView(section);
     else if (section.sectionKind() == PFMSection::Kinds::unfamiliar)
         m_current = makeUnfamiliarView(section);
@@ -137,6 +131,42 @@ QWidget* ContentView::makeFormView(PFMSection& section) {
                 Q_EMIT unfamiliarPropertiesRemoveRequested(pointer, payload);
             });
     return m_formView;
+}
+
+void ContentView::setShowsPropertyList(bool shows) {
+    if (shows == m_showsPropertyList)
+        return;
+    m_showsPropertyList = shows;
+    rebuild();
+}
+
+void ContentView::reload() {
+    rebuild();
+}
+
+QWidget* ContentView::makePropertyListView(PFMSection& section) {
+    auto* view = new QScrollArea(this);
+    view->setObjectName(QStringLiteral("propertyListView"));
+    view->setWidgetResizable(true);
+    view->setFrameShape(QFrame::NoFrame);
+    auto* content = new QWidget(view);
+    auto* column = new QVBoxLayout(content);
+    column->addWidget(headline(section.sectionProperties().title, content));
+    for (const auto& form : section.sectionViewController()->payloadControllers()) {
+        const Payload::Pointer payload = form->payload();
+        if (!payload)
+            continue;
+        if (section.sectionViewController()->payloadControllers().size() > 1)
+            column->addWidget(new QLabel(form->title(), content));
+        auto* editor = new PropertyListEditor(payload->writeOutDictionary(), content);
+        editor->setMinimumHeight(fontMetrics().height() * 16);
+        connect(editor, &PropertyListEditor::edited, this, [this, payload](const plist::Dictionary& after) {
+            Q_EMIT payloadDictionaryEdited(payload, after);
+        });
+        column->addWidget(editor, 1);
+    }
+    view->setWidget(content);
+    return view;
 }
 
 QWidget* ContentView::makeNotEnabledView(PFMSection& section) {
@@ -183,24 +213,23 @@ QWidget* ContentView::makeUnfamiliarView(PFMSection& section) {
     explanation->setWordWrap(true);
     column->addWidget(explanation);
     const QStringList types = section.domains().keys();
+    QMap<QString, int> ordinals;
     if (const auto profile = m_profile.lock()) {
         for (const plist::Dictionary& payload : profile->unfamiliarPayloads()) {
-            if (!types.contains(payload.string(QStringLiteral("PayloadType")).value_or(QString())))
+            const QString type = payload.string(QStringLiteral("PayloadType")).value_or(QString());
+            if (!types.contains(type))
                 continue;
-            auto* table = new QFormLayout;
-            table->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-            for (auto entry = payload.begin(); entry != payload.end(); ++entry) {
-                auto* value = new QLabel(valueText(entry.value()), content);
-                value->setTextInteractionFlags(Qt::TextSelectableByMouse);
-                value->setWordWrap(true);
-                auto* key = new QLabel(entry.key(), content);
-                key->setFont(QFont(QStringLiteral("monospace")));
-                table->addRow(key, value);
-            }
-            column->addLayout(table);
+            const int ordinal = ordinals[type]++;
+            auto* editor = new PropertyListEditor(payload, content);
+            editor->setMinimumHeight(fontMetrics().height() * 16);
+            PFMSection* pointer = &section;
+            connect(editor, &PropertyListEditor::edited, this,
+                    [this, pointer, type, ordinal](const plist::Dictionary& after) {
+                        Q_EMIT unfamiliarPayloadEdited(pointer, type, ordinal, after);
+                    });
+            column->addWidget(editor, 1);
         }
     }
-    column->addStretch(1);
     view->setWidget(content);
     return view;
 }

@@ -35,6 +35,12 @@ public:
     // it every identity reads as unverified.
     void setSigningIdentityTrust(SigningRowView::TrustCheck isTrusted);
 
+    // Each payload of a section with a form as its raw property list instead.
+    void setShowsPropertyList(bool shows);
+    bool showsPropertyList() const { return m_showsPropertyList; }
+    // Shows what the section holds now.
+    void reload();
+
     // The form shown, or nothing when the section has none.
     SectionFormView* sectionFormView() const { return m_formView; }
     // What is shown now: the form, a stand-in, or nothing.
@@ -52,17 +58,24 @@ Q_SIGNALS:
     void saveSignedWithCommonNameEdited(PFMSection* section);
     // The user asks to drop a payload's unfamiliar keys: an edit for the history.
     void unfamiliarPropertiesRemoveRequested(PFMSection* section, const std::shared_ptr<Payload>& payload);
+    // The raw editor of an unfamiliar payload (the `ordinal`-th of its type) offers an edit.
+    // The raw editor of a payload a manifest describes offers an edit.
+    void payloadDictionaryEdited(const std::shared_ptr<Payload>& payload, const plist::Dictionary& after);
+    void unfamiliarPayloadEdited(PFMSection* section, const QString& payloadType, int ordinal,
+                                 const plist::Dictionary& after);
 
 private:
     void rebuild();
     QWidget* makeNotEnabledView(PFMSection& section);
     QWidget* makeUnfamiliarView(PFMSection& section);
     QWidget* makeFormView(PFMSection& section);
+    QWidget* makePropertyListView(PFMSection& section);
 
     QPointer<PFMSection> m_section;
     std::weak_ptr<Profile> m_profile;
     FieldDisplaySettings m_settings;
     bool m_hasSettings = false;
+    bool m_showsPropertyList = false;
     SigningRowView::TrustCheck m_isTrusted;
     QVBoxLayout* m_layout = nullptr;
     QWidget* m_current = nullptr;

@@ -7,6 +7,7 @@
 #include "ui/CommandAvailability.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
+#include "ui/IssuesPanel.h"
 #include "ui/PayloadFormView.h"
 #include "ui/PayloadSelectorDialog.h"
 #include "ui/PlatformFilterButtons.h"
@@ -19,6 +20,7 @@
 #include "workspace/PayloadViewController.h"
 #include "workspace/SectionFilter.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -35,6 +37,7 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
@@ -50,6 +53,8 @@ namespace {
 
 const QString profileSuffix = QStringLiteral("mobileconfig");
 const QString payloadDisplayNameName = QStringLiteral("PayloadDisplayName");
+const QString compactDensityName = QStringLiteral("compact");
+const QString comfortableDensityName = QStringLiteral("comfortable");
 
 void applyState(QAction* action, const CommandAvailability::State& state, const QString& tip) {
     action->setEnabled(state.enabled);
@@ -108,6 +113,8 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
     m_displaySettings.showBooleanDescription =
         defaults.boolean(DefaultsKey::lastChoiceShowingBooleanDescriptions) == true;
     m_displaySettings.filteredForPlatforms = m_filter->filteredForPlatforms();
+    m_displaySettings.compactDensity =
+        defaults.string(DefaultsKey::lastChoiceFormDensity) == compactDensityName;
 
     buildActions();
     buildLayout();
@@ -160,6 +167,12 @@ void DocumentWindow::buildLayout() {
     statusBar();
 
     connect(m_sectionList, &SectionListView::contextMenuRequested, this, &DocumentWindow::showSectionMenu);
+    connect(m_sectionList, &SectionListView::badgeClicked, this, [this](PFMSection* section) {
+        const auto issues = DocumentIssueList::collect({section});
+        if (!issues.isEmpty())
+            goToIssue(issues.first().location);
+    });
+    buildIssuesPanel();
     connect(m_content, &ContentView::addPayloadRequested, this, [this](PFMSection* section) {
         if (section)
             addPayload(*section);
@@ -175,6 +188,26 @@ void DocumentWindow::buildLayout() {
     connect(&m_history, &EditHistory::unfamiliarPreferenceKeysChanged, this, [this] {
         if (SectionFormView* form = m_content->sectionFormView())
             form->refresh();
+    });
+    connect(m_content, &ContentView::unfamiliarPayloadEdited, this,
+            [this](PFMSection*, const QString& type, int ordinal, const plist::Dictionary& after) {
+                if (!m_history.replaceUnfamiliarPayload(m_document->profile(), type, ordinal, after))
+                    statusBar()->showMessage(QStringLiteral("The payload's type can't change here."), 3000);
+            });
+    connect(m_content, &ContentView::payloadDictionaryEdited, this,
+            [this](const Payload::Pointer& payload, const plist::Dictionary& after) {
+                if (m_history.setPayloadDictionary(payload, after))
+                    return;
+                statusBar()->showMessage(QStringLiteral("The form edits this: new keys, other types and what "
+                                                        "arrays and dictionaries hold can't change here."),
+                                         5000);
+                reloadRawEditor();
+            });
+    // The raw editor shows what the payload holds after an edit, an undo or a redo.
+    connect(&m_history, &EditHistory::unfamiliarPayloadChanged, this, &DocumentWindow::reloadRawEditor);
+    connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, [this] {
+        if (m_content->showsPropertyList())
+            reloadRawEditor();
     });
     // The signing choice isn't a key of the profile; the history doesn't see it.
     connect(m_content, &ContentView::saveSignedWithCommonNameEdited, this,
@@ -237,6 +270,15 @@ void DocumentWindow::buildActions() {
     connect(m_configuredOnlyAction, &QAction::toggled, this,
             [this](bool on) { m_filter->setPredicateConfiguredOnlyActive(on); });
     buildEncryptionActions();
+    m_nextErrorAction = make(QStringLiteral("Next &Error"), QKeySequence(Qt::Key_F8),
+                             [this] { goToAdjacentIssue(DocumentIssueList::Direction::next); });
+    m_showAsPropertyListAction = new QAction(QStringLiteral("Show as Property &List"), this);
+    m_showAsPropertyListAction->setCheckable(true);
+    m_showAsPropertyListAction->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_P));
+    connect(m_showAsPropertyListAction, &QAction::toggled, this,
+            [this](bool on) { m_content->setShowsPropertyList(on); });
+    m_previousErrorAction = make(QStringLiteral("Pre&vious Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8),
+                                 [this] { goToAdjacentIssue(DocumentIssueList::Direction::previous); });
 }
 
 void DocumentWindow::buildMenus() {
@@ -364,8 +406,14 @@ QMenu* DocumentWindow::buildViewMenu() {
     addDisplayToggle(*view, QStringLiteral("Show &Boolean Descriptions"),
                      DefaultsKey::lastChoiceShowingBooleanDescriptions,
                      &FieldDisplaySettings::showBooleanDescription);
+    addDensityMenu(*view);
     view->addSeparator();
     view->addAction(m_configuredOnlyAction);
+    view->addSeparator();
+    view->addAction(m_showAsPropertyListAction);
+    view->addAction(m_issuesPanel->toggleViewAction());
+    view->addAction(m_nextErrorAction);
+    view->addAction(m_previousErrorAction);
     return view;
 }
 
@@ -380,6 +428,26 @@ void DocumentWindow::addDisplayToggle(QMenu& menu, const QString& title, const Q
         m_displaySettings.*field = on;
         applyDisplaySettings();
     });
+}
+
+void DocumentWindow::addDensityMenu(QMenu& view) {
+    QMenu* density = view.addMenu(QStringLiteral("Form D&ensity"));
+    density->setObjectName(DefaultsKey::lastChoiceFormDensity);
+    auto* choices = new QActionGroup(density);
+    for (const bool compact : {false, true}) {
+        QAction* action =
+            density->addAction(compact ? QStringLiteral("&Compact") : QStringLiteral("C&omfortable"));
+        action->setObjectName(compact ? compactDensityName : comfortableDensityName);
+        action->setCheckable(true);
+        action->setChecked(m_displaySettings.compactDensity == compact);
+        choices->addAction(action);
+        connect(action, &QAction::triggered, this, [this, compact] {
+            m_defaults.set(DefaultsKey::lastChoiceFormDensity,
+                           plist::Value(compact ? compactDensityName : comfortableDensityName));
+            m_displaySettings.compactDensity = compact;
+            applyDisplaySettings();
+        });
+    }
 }
 
 void DocumentWindow::buildToolbar() {
@@ -539,6 +607,98 @@ void DocumentWindow::revalidateForms() {
             form->recountErrors();
         }
     }
+    refreshIssues();
+}
+
+// ---- Errors
+
+void DocumentWindow::buildIssuesPanel() {
+    m_issuesPanel = new IssuesPanel(this);
+    m_issuesPanel->toggleViewAction()->setText(QStringLiteral("&Issues"));
+    m_issuesPanel->toggleViewAction()->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_I));
+    addDockWidget(Qt::BottomDockWidgetArea, m_issuesPanel);
+    m_issuesPanel->hide();
+    connect(m_issuesPanel, &IssuesPanel::issueActivated, this, &DocumentWindow::goToIssue);
+    connect(m_issuesPanel, &QDockWidget::visibilityChanged, this, &DocumentWindow::refreshIssues);
+    // A few lines at first: the form stays the window's main part.
+    connect(m_issuesPanel->toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
+        if (shown)
+            resizeDocks({m_issuesPanel}, {fontMetrics().height() * 9}, Qt::Vertical);
+    });
+    // The badges move with every count; an edit may change a message alone.
+    connect(&m_sections, &SectionArrayController::badgeChanged, this, &DocumentWindow::refreshIssues);
+    connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, &DocumentWindow::refreshIssues);
+}
+
+// After the edit's own signals are done with the editor that sent it.
+void DocumentWindow::reloadRawEditor() {
+    QTimer::singleShot(0, this, [this] { m_content->reload(); });
+}
+
+// Once per pass of the event loop, and never under the panel's own click,
+// which the list's rebuild would pull from under it.
+void DocumentWindow::refreshIssues() {
+    if (!m_issuesPanel || m_issuesPanel->isHidden() || m_issuesRefreshPending)
+        return;
+    m_issuesRefreshPending = true;
+    QTimer::singleShot(0, this, [this] {
+        m_issuesRefreshPending = false;
+        if (!m_issuesPanel->isHidden())
+            m_issuesPanel->setIssues(DocumentIssueList::collect(m_sections.content()));
+    });
+}
+
+std::optional<DocumentIssueList::Location> DocumentWindow::focusedFieldLocation() const {
+    for (QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* row = qobject_cast<FieldRowView*>(widget))
+            return DocumentIssueList::locate(m_sections.content(), &row->field());
+    }
+    if (m_selectedSection)
+        return DocumentIssueList::Location{m_selectedSection, -1, -1};
+    return std::nullopt;
+}
+
+void DocumentWindow::goToAdjacentIssue(DocumentIssueList::Direction direction) {
+    // Only what the side-bar shows can be selected.
+    const auto issues = DocumentIssueList::collect(m_sections.arrangedObjects());
+    if (const auto issue = DocumentIssueList::step(issues, focusedFieldLocation(), direction))
+        goToIssue(issue->location);
+    else
+        statusBar()->showMessage(IssuesPanel::noIssuesText(), 3000);
+}
+
+void DocumentWindow::goToIssue(const DocumentIssueList::Location& location) {
+    if (!location.section || !m_filter->selectSection(location.section)) {
+        statusBar()->showMessage(QStringLiteral("A filter hides the section of this error."), 3000);
+        return;
+    }
+    const bool rowShown = DocumentIssueList::reveal(location);
+    SectionFormView* form = m_content->sectionFormView();
+    if (!form || location.payloadIndex >= form->payloadViews().size())
+        return;
+    PayloadFormView* payload = form->payloadViews().at(location.payloadIndex);
+    payload->followCollapsed();
+    payload->refresh();
+    QPointer<QWidget> row = rowShown ? payload->rows().at(size_t(location.fieldIndex)) : nullptr;
+    QPointer<QWidget> target = row ? row.data() : payload;
+    // A form just built shows its rows, and lays them out, on the next pass.
+    QMetaObject::invokeMethod(
+        this,
+        [this, row, target] {
+            SectionFormView* shown = m_content->sectionFormView();
+            if (!target || !shown || !shown->isAncestorOf(target))
+                return;
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+            shown->scrollArea()->ensureWidgetVisible(target);
+            auto* fieldRow = qobject_cast<FieldRowView*>(row.data());
+            if (!fieldRow)
+                return;
+            if (!fieldRow->instrumentWidgets().isEmpty())
+                fieldRow->instrumentWidgets().first()->setFocus(Qt::ShortcutFocusReason);
+            else
+                fieldRow->setFocus(Qt::ShortcutFocusReason);
+        },
+        Qt::QueuedConnection);
 }
 
 void DocumentWindow::followSelection(PFMSection* now, PFMSection* left) {

@@ -4,6 +4,7 @@
 #include "fields/FieldDisplaySettings.h"
 #include "ui/SaveDialogPresenter.h"
 #include "ui/WindowNoticePresenter.h"
+#include "workspace/DocumentIssueList.h"
 #include "workspace/EditHistory.h"
 #include "workspace/PFMSectionCollection.h"
 #include "workspace/SectionArrayController.h"
@@ -24,6 +25,7 @@ class QToolButton;
 namespace quorlin {
 
 class ContentView;
+class IssuesPanel;
 class PFMSection;
 class SectionFilter;
 class SectionListView;
@@ -82,6 +84,10 @@ public:
     void compareWith(const QString& filePath);
     // Selects the section of the difference's payload and shows its field.
     void showDifference(const ProfileDifference& difference);
+    QAction* nextErrorAction() const { return m_nextErrorAction; }
+    QAction* showAsPropertyListAction() const { return m_showAsPropertyListAction; }
+    QAction* previousErrorAction() const { return m_previousErrorAction; }
+    IssuesPanel* issuesPanel() const { return m_issuesPanel; }
 
     void selectSection(PFMSection* section);
     void setSigningIdentityTrust(std::function<bool(const QString& identityName)> isTrusted);
@@ -97,6 +103,9 @@ public:
     // The section the payload commands act on: the clicked row, else the selection.
     PFMSection* commandSection() const;
     void updateCommandStates();
+    // Selects the field's section, scrolls to its row and focuses it.
+    void goToIssue(const DocumentIssueList::Location& location);
+    void goToAdjacentIssue(DocumentIssueList::Direction direction);
 
     // Asks about invalid values, then for a place when needed; `done` learns
     // whether the file was written.
@@ -138,6 +147,7 @@ private:
     void addDisplayToggle(QMenu& menu, const QString& title, const QString& defaultsKey,
                           bool FieldDisplaySettings::*field);
     void applyDisplaySettings();
+    void addDensityMenu(QMenu& view);
     void bindSections();
     void setUpDocument();
     bool applyProfileProperties();
@@ -154,6 +164,10 @@ private:
     void addPayloadFromFile(PFMSection& section);
     void countUntrackedEdit();
     void revalidateForms();
+    void buildIssuesPanel();
+    void reloadRawEditor();
+    void refreshIssues();
+    std::optional<DocumentIssueList::Location> focusedFieldLocation() const;
     void updateTitle();
     QStringList payloadTitles(const PFMSection& section) const;
     ProfileDocument::SaveCompletion saveCompletion(Done done);
@@ -210,6 +224,11 @@ private:
     void bringIntoView(const ProfileDifference& difference);
     QAction* m_encryptForAction = nullptr;
     QAction* m_doNotEncryptAction = nullptr;
+    QAction* m_nextErrorAction = nullptr;
+    QAction* m_showAsPropertyListAction = nullptr;
+    QAction* m_previousErrorAction = nullptr;
+    IssuesPanel* m_issuesPanel = nullptr;
+    bool m_issuesRefreshPending = false;
 };
 
 } // namespace quorlin

@@ -149,6 +149,24 @@ private:
     QAbstractButton& m_box;
 };
 
+// A click on a folded description unfolds it, and folds it again.
+class DescriptionToggle : public QObject {
+public:
+    DescriptionToggle(QObject* parent, std::function<void()> toggle)
+        : QObject(parent)
+        , m_toggle(std::move(toggle)) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonRelease &&
+            static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+            m_toggle();
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> m_toggle;
+};
+
 void setTextIfChanged(QLabel* label, const QString& text) {
     if (label->text() != text)
         label->setText(text);
@@ -237,6 +255,10 @@ void FieldRowView::buildTitleRow() {
     small.setPointSizeF(small.pointSizeF() - 1);
     m_description->setFont(small);
     m_description->setForegroundRole(QPalette::PlaceholderText);
+    m_description->installEventFilter(new DescriptionToggle(m_description, [this] {
+        m_descriptionExpanded = !m_descriptionExpanded;
+        applyDensity();
+    }));
     static_cast<QVBoxLayout*>(layout())->addWidget(m_description);
 }
 
@@ -355,6 +377,37 @@ void FieldRowView::refresh() {
     setTextIfChanged(m_error, error.value_or(QString()));
     refreshHeldValues();
     refreshDetails();
+    applyDensity();
+}
+
+// Compact rows stand closer, and fold their description to its first line
+// until it is clicked.
+void FieldRowView::applyDensity() {
+    const auto& settings = m_field->fieldDisplaySettings();
+    const bool compact = settings && settings->compactDensity;
+    const int gap = fontMetrics().height() / 4;
+    const int indent = m_field->leadingPadding() * fontMetrics().averageCharWidth() / 7;
+    const int vertical = compact ? gap / 2 : gap * 2;
+    layout()->setContentsMargins(indent + gap * 2, vertical, gap * 2, vertical);
+    layout()->setSpacing(compact ? gap / 2 : gap);
+    const bool folded = compact && !m_descriptionExpanded;
+    m_description->setMaximumHeight(folded ? m_description->fontMetrics().lineSpacing() + 1
+                                           : QWIDGETSIZE_MAX);
+    m_description->setToolTip(compact ? (folded ? descriptionFoldedTip() : descriptionUnfoldedTip())
+                                      : QString());
+    m_description->setCursor(compact ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+QString FieldRowView::descriptionFoldedTip() {
+    return QStringLiteral("Click to show the whole description");
+}
+
+QString FieldRowView::descriptionUnfoldedTip() {
+    return QStringLiteral("Click to fold the description");
+}
+
+bool FieldRowView::isDescriptionFolded() const {
+    return m_description->maximumHeight() != QWIDGETSIZE_MAX;
 }
 
 QString FieldRowView::detailsSignature() const {
@@ -408,8 +461,8 @@ void FieldRowView::refreshDetails() {
             new TagLabel(HighlightedText::html(FieldDetailsViewController::supervisedOnlyTagText(),
                                                details.highlightedTermMatchesSupervision()),
                          m_details));
-    for (const PlatformTag& tag : details.platformTags())
-        m_detailsLayout->addWidget(TagLabel::platform(tag, m_details));
+    if (!details.platformTags().isEmpty())
+        m_detailsLayout->addWidget(TagLabel::platformLine(details.platformTags(), m_details));
     if (details.showsDocumentationButton())
         m_detailsLayout->addWidget(makeDocumentationButton());
     m_detailsLayout->addStretch(1);

@@ -49,6 +49,11 @@ public:
     // items of its array hold.
     PreferenceKey::KeyList keysHoldingValues() const;
 
+    QLabel* descriptionLabel() const { return m_description; }
+    // In the compact density, until the description is clicked.
+    bool isDescriptionFolded() const;
+    static QString descriptionFoldedTip();
+    static QString descriptionUnfoldedTip();
     const QList<QWidget*>& instrumentWidgets() const { return m_instruments; }
 
 Q_SIGNALS:
@@ -63,6 +68,7 @@ private:
     void refreshHeldValues();
     void followRightClicks(QWidget* instrument);
     void refreshDetails();
+    void applyDensity();
     QString detailsSignature() const;
     void perform(FieldViewController::MenuAction action);
     QToolButton* makeDocumentationButton();
@@ -88,6 +94,7 @@ private:
     QList<QWidget*> m_instruments;
     QString m_detailsSignature;
     bool m_detailsBuilt = false;
+    bool m_descriptionExpanded = false;
     QPointer<PropertyInfoPopover> m_popover;
     bool m_isMouseOver = false;
 };

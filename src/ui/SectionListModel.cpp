@@ -1,7 +1,12 @@
 #include "ui/SectionListModel.h"
 
+#include "workspace/PayloadIconTable.h"
+
+#include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QImage>
+#include <QPalette>
 #include <QPixmap>
 
 namespace quorlin {
@@ -116,8 +121,14 @@ void SectionListModel::badgeDidChange(PFMSection* section) {
     Q_EMIT dataChanged(changed, changed, {BadgeRole});
 }
 
-// The domain's own picture, else the named bundled image, else the default.
+// The domain's own picture, else our icon of its payload, else the default.
 QIcon SectionListModel::iconOf(const PFMSection& section) const {
+    // The palette decides between the light and the dark set.
+    const bool dark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
+    if (dark != m_iconsAreDark) {
+        m_icons.clear();
+        m_iconsAreDark = dark;
+    }
     if (const auto cached = m_icons.constFind(&section); cached != m_icons.constEnd())
         return *cached;
     const PFMSectionProperties& properties = section.sectionProperties();
@@ -127,11 +138,30 @@ QIcon SectionListModel::iconOf(const PFMSection& section) const {
         if (!image.isNull())
             icon = QIcon(QPixmap::fromImage(image));
     }
-    if (icon.isNull() && properties.iconName)
-        icon = bundledImage(*properties.iconName);
+    if (icon.isNull())
+        icon = payloadIcon(section, dark);
     if (icon.isNull())
         icon = bundledImage(defaultIconName);
     m_icons.insert(&section, icon);
+    return icon;
+}
+
+QIcon SectionListModel::payloadIcon(const PFMSection& section, bool dark) const {
+    if (!m_resources)
+        return {};
+    const auto domain = section.primaryDomain();
+    const PayloadIconTable::Icon chosen = section.sectionKind() == PFMSection::Kinds::unfamiliar || !domain
+                                              ? PayloadIconTable::unfamiliarIcon()
+                                              : PayloadIconTable::iconForDomain(domain->domainString());
+    const QDir folder(QDir(m_resources->path()).filePath(QStringLiteral("Images/Payloads")));
+    const QString base = chosen.name() + (dark ? QStringLiteral("-dark") : QString());
+    QIcon icon;
+    // One bitmap per device scale the generator draws for.
+    for (const int size : {28, 56, 84}) {
+        const QString file = folder.filePath(QStringLiteral("%1-%2.png").arg(base).arg(size));
+        if (QFileInfo::exists(file))
+            icon.addFile(file, QSize(size, size));
+    }
     return icon;
 }
 

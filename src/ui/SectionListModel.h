@@ -50,6 +50,7 @@ private:
     QString accessibleText(const PFMSection& section) const;
     QIcon iconOf(const PFMSection& section) const;
     QIcon bundledImage(const QString& name) const;
+    QIcon payloadIcon(const PFMSection& section, bool dark) const;
 
     SectionArrayController& m_list;
     std::optional<ResourceFolder> m_resources;
@@ -57,6 +58,7 @@ private:
     QList<PFMSection*> m_rows;
     mutable QHash<const PFMSection*, QIcon> m_icons;
     mutable QHash<QString, QIcon> m_bundledImages;
+    mutable bool m_iconsAreDark = false;
 };
 
 } // namespace quorlin

@@ -4,6 +4,7 @@
 #include "ui/SectionListModel.h"
 
 #include <QContextMenuEvent>
+#include <QMouseEvent>
 #include <QTimer>
 
 namespace quorlin {
@@ -75,6 +76,17 @@ void SectionListView::mousePressEvent(QMouseEvent* event) {
         return;
     }
     QListView::mousePressEvent(event);
+}
+
+void SectionListView::mouseReleaseEvent(QMouseEvent* event) {
+    QListView::mouseReleaseEvent(event);
+    const QPoint point = event->position().toPoint();
+    const QModelIndex index = indexAt(point);
+    const QVariant badge = index.data(SectionListModel::BadgeRole);
+    if (event->button() != Qt::LeftButton || !badge.isValid())
+        return;
+    if (SectionItemDelegate::badgeRect(visualRect(index), font(), badge.toInt()).contains(point))
+        Q_EMIT badgeClicked(m_model->sectionAt(index.row()));
 }
 
 // The arrow keys pass over group titles; where only titles lie ahead the

@@ -25,10 +25,13 @@ Q_SIGNALS:
     // On a right-click; the list's clicked row is set to the row under the
     // pointer (or none), and the receiver clears it when its menu is done.
     void contextMenuRequested(PFMSection* clicked, const QPoint& globalPos);
+    // A left click on a row's red badge, after the row was selected.
+    void badgeClicked(PFMSection* section);
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 

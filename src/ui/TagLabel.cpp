@@ -23,4 +23,24 @@ TagLabel* TagLabel::platform(const PlatformTag& tag, QWidget* parent) {
     return label;
 }
 
+QLabel* TagLabel::platformLine(const QList<PlatformTag>& tags, QWidget* parent) {
+    QStringList names;
+    QStringList toolTips;
+    for (const PlatformTag& tag : tags) {
+        names << tag.text();
+        if (const auto toolTip = tag.toolTip())
+            toolTips << *toolTip;
+    }
+    auto* label = new QLabel(names.join(QStringLiteral(" \u00B7 ")), parent);
+    label->setObjectName(QStringLiteral("platformTags"));
+    label->setTextFormat(Qt::PlainText);
+    label->setToolTip(toolTips.join(QLatin1Char('\n')));
+    label->setAccessibleName(QStringLiteral("Platforms: %1").arg(names.join(QStringLiteral(", "))));
+    QFont small = label->font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    label->setFont(small);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
 } // namespace quorlin

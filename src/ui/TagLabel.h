@@ -14,6 +14,8 @@ class TagLabel : public QLabel {
 public:
     explicit TagLabel(const QString& html, QWidget* parent = nullptr);
     static TagLabel* platform(const PlatformTag& tag, QWidget* parent = nullptr);
+    // A field's platforms on one quiet line, "iOS · macOS", each tooltip on a line of its own.
+    static QLabel* platformLine(const QList<PlatformTag>& tags, QWidget* parent = nullptr);
 };
 
 } // namespace quorlin

@@ -5,6 +5,7 @@
 #include "workspace/PayloadCommands.h"
 #include "workspace/PayloadViewController.h"
 #include "workspace/RemoveHeldValuesCommand.h"
+#include "workspace/UnfamiliarPayloadCommand.h"
 
 #include <algorithm>
 #include <memory>
@@ -113,6 +114,51 @@ void EditHistory::removeUnfamiliarPayloads(SectionArrayController& sections, PFM
     if (section.sectionKind() != PFMSection::Kinds::unfamiliar || !sections.content().contains(&section))
         return;
     m_undoStack.push(new RemoveUnfamiliarPayloadsCommand(sections, section, profile));
+}
+
+bool EditHistory::setPayloadDictionary(const Payload::Pointer& payload, const plist::Dictionary& after) {
+    if (!payload)
+        return false;
+    const plist::Dictionary before = payload->writeOutDictionary();
+    QList<std::pair<PreferenceKey::Pointer, PreferenceKeyValue>> changes;
+    QStringList names = before.keys() + after.keys();
+    names.removeDuplicates();
+    for (const QString& name : names) {
+        const plist::Value& old = before.value(name);
+        const plist::Value& now = after.value(name);
+        if (old == now)
+            continue;
+        const auto key = payload->keyAtPath(name);
+        const bool plain = !old.isArray() && !old.isDictionary() && !now.isArray() && !now.isDictionary();
+        // The manifest's type holds: another is refused, not saved to be wrong.
+        if (!key || !plain ||
+            (!now.isNull() && !PFMKeyPrototype::isOfPlistClass(now, key->prototype().kind())))
+            return false;
+        changes.append({key, now.isNull() ? PreferenceKeyValue() : PreferenceKeyValue(now)});
+    }
+    if (changes.isEmpty())
+        return false;
+    m_undoStack.push(
+        new KeySnapshotCommand(QStringLiteral("Edit Property List"), payload->preferenceKeys(), [changes] {
+            for (const auto& [key, value] : changes)
+                key->setValue(value);
+        }));
+    return true;
+}
+
+bool EditHistory::replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType,
+                                           int ordinal, const plist::Dictionary& after) {
+    if (!profile || after.string(QStringLiteral("PayloadType")) != payloadType)
+        return false;
+    const auto& payloads = profile->unfamiliarPayloads();
+    const auto count = std::count_if(payloads.begin(), payloads.end(), [&](const plist::Dictionary& payload) {
+        return payload.string(QStringLiteral("PayloadType")) == payloadType;
+    });
+    if (ordinal < 0 || ordinal >= count)
+        return false;
+    m_undoStack.push(new UnfamiliarPayloadCommand(profile, payloadType, ordinal, after,
+                                                  [this] { Q_EMIT unfamiliarPayloadChanged(); }));
+    return true;
 }
 
 void EditHistory::repairBeforeSave(const Profile::Pointer& profile) {

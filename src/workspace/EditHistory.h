@@ -51,6 +51,16 @@ public:
     // "Remove" in the form, or every key of the profile.
     void removeHeldValues(const PreferenceKey::KeyList& keys);
     void removeAllHeldValues(const Profile& profile);
+    // The `ordinal`-th unfamiliar payload of its type becomes `after`; refused
+    // (false) when it isn't there or `after` changes its type.
+    // The raw editor's edit of a payload a manifest describes: the top-level
+    // keys whose plain values differ between what the payload writes and
+    // `after` take the new values, or go when gone, as one step. Refused
+    // (false) for a key the manifest doesn't know, a new type, or a change
+    // inside an array or a dictionary, which the form edits.
+    bool setPayloadDictionary(const Payload::Pointer& payload, const plist::Dictionary& after);
+    bool replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType, int ordinal,
+                                  const plist::Dictionary& after);
 
     // A save repairs duplicate and default identifiers before it writes.
     // Doing it here first makes the repair a step of its own, so that the
@@ -69,6 +79,8 @@ public:
 Q_SIGNALS:
     // A payload's unfamiliar keys went or came back; forms show a notice of them.
     void unfamiliarPreferenceKeysChanged();
+    // An unfamiliar payload changed, by an edit, its undo or its redo.
+    void unfamiliarPayloadChanged();
     void changeCountChanged(int changeCount);
 
 private:

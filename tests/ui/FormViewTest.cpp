@@ -32,6 +32,7 @@
 #include <QStandardItemModel>
 #include <QTest>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include <gtest/gtest.h>
 
@@ -413,7 +414,7 @@ TEST(ContentView, TheNoticeOfUnfamiliarKeysNamesThemAndRemovesThem) {
     EXPECT_TRUE(root->unfamiliarPreferenceKeys().has_value());
 }
 
-TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
+TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesInItsRawEditor) {
     const auto domains = withGeneralDomain({});
     const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict>
@@ -440,6 +441,11 @@ TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesReadOnly) {
     QStringList texts;
     for (const QLabel* label : view.findChildren<QLabel*>())
         texts << label->text();
+    // The payload's keys and values are in its raw editor's tree.
+    for (const QTreeWidget* tree : view.findChildren<QTreeWidget*>()) {
+        for (QTreeWidgetItemIterator item(const_cast<QTreeWidget*>(tree)); *item; ++item)
+            texts << (*item)->text(0) << (*item)->text(2);
+    }
     for (const QString& shown : {QStringLiteral("Secret"), QStringLiteral("forty-two"), QStringLiteral("A"),
                                  ContentView::unfamiliarDomainLabel()})
         EXPECT_TRUE(texts.contains(shown)) << shown.toStdString();

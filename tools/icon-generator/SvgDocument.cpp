@@ -4,13 +4,13 @@
 
 namespace quorlin::icons {
 
-QString SvgDocument::write(const QList<IconLayer>& layers) {
+QString SvgDocument::write(const QList<IconLayer>& layers, const QString& title) {
     const QString size = number(IconDesign::canvasSize);
     QString svg = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                  "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%1\" height=\"%1\" "
                                  "viewBox=\"0 0 %1 %1\">\n"
-                                 "  <title>Quorlin Profile Editor</title>\n")
-                      .arg(size);
+                                 "  <title>%2</title>\n")
+                      .arg(size, title);
     for (const IconLayer& layer : layers)
         svg += QStringLiteral("  ") + element(layer) + u'\n';
     return svg + QStringLiteral("</svg>\n");

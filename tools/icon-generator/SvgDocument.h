@@ -10,7 +10,8 @@ namespace quorlin::icons {
 // Writes the layers as a scalable SVG icon with the design canvas as its view box.
 class SvgDocument {
 public:
-    static QString write(const QList<IconLayer>& layers);
+    static QString write(const QList<IconLayer>& layers,
+                         const QString& title = QStringLiteral("Quorlin Profile Editor"));
 
 private:
     static QString element(const IconLayer& layer);
