@@ -369,7 +369,6 @@ void FieldRowView::refresh() {
         setTextIfChanged(m_description, HighlightedText::html(description.text, description.highlights));
     }
     m_writeOut->setVisible(field.showsWriteOutIndicator());
-    applySpacing();
     for (QWidget* widget : m_instruments)
         widget->setEnabled(field.isEnabled());
     const auto error = field.error();
@@ -390,6 +389,9 @@ void FieldRowView::applyDensity() {
     const int vertical = compact ? gap / 2 : gap * 2;
     layout()->setContentsMargins(indent + gap * 2, vertical, gap * 2, vertical);
     layout()->setSpacing(compact ? gap / 2 : gap);
+    // The check-box spacing rules are the comfortable density's.
+    if (!compact)
+        applySpacing();
     const bool folded = compact && !m_descriptionExpanded;
     m_description->setMaximumHeight(folded ? m_description->fontMetrics().lineSpacing() + 1
                                            : QWIDGETSIZE_MAX);
