@@ -193,8 +193,11 @@ int FormatCommand::run(const QStringList& arguments, CommandStreams& streams) co
     const auto certificates = RecipientCertificates::read(parsed->values(kEncryptForOption));
     if (!certificates)
         return inputError(streams, certificates.error());
-    const Run run{parsed->hasFlag(kCheckFlag), parsed->hasFlag(kRepairFlag),
-                  parsed->value(kIdentityOption), *certificates, *context,
+    const Run run{parsed->hasFlag(kCheckFlag),
+                  parsed->hasFlag(kRepairFlag),
+                  parsed->value(kIdentityOption),
+                  *certificates,
+                  *context,
                   streams};
     const ProfileFiles::Expansion expansion = ProfileFiles::expand(parsed->operands());
     bool anyFailed = !expansion.problems.isEmpty();

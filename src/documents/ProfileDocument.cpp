@@ -8,8 +8,8 @@
 #include "documents/EnvelopeWords.h"
 #include "documents/SavePanelPresenter.h"
 #include "plist/DefaultsKey.h"
-#include "plist/PlistReader.h"
 #include "plist/PlistFormat.h"
+#include "plist/PlistReader.h"
 #include "plist/UserDefaults.h"
 
 #include <QFile>

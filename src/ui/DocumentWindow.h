@@ -79,7 +79,9 @@ public:
     QAction* compareWithAction() const { return m_compareWithAction; }
     QAction* compareWithSavedAction() const { return m_compareWithSavedAction; }
     // Asks for the file that "Compare With…" compares with; empty for none.
-    void setComparisonFileChooser(std::function<QString()> choose) { m_chooseComparisonFile = std::move(choose); }
+    void setComparisonFileChooser(std::function<QString()> choose) {
+        m_chooseComparisonFile = std::move(choose);
+    }
     // Opens a comparison window of the file (the older) and the document.
     void compareWith(const QString& filePath);
     // Selects the section of the difference's payload and shows its field.

@@ -1,5 +1,6 @@
 #include "EditorTestSupport.h"
 
+#include "model/ModelTestSupport.h"
 #include "plist/DefaultsKey.h"
 #include "plist/Utilities.h"
 #include "ui/ContentView.h"
@@ -14,7 +15,6 @@
 #include "workspace/PFMSectionViewController.h"
 #include "workspace/PayloadViewController.h"
 #include "workspace/SectionArrayController.h"
-#include "model/ModelTestSupport.h"
 
 #include <QAction>
 #include <QCheckBox>
