@@ -2,6 +2,7 @@
 
 #include "apptools/AppBundle.h"
 #include "apptools/AppInformationViewModel.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 
@@ -16,8 +17,6 @@ namespace {
 
 using apptools::AppBundle;
 using apptools::AppInformationViewModel;
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 void insertIfPresent(QJsonObject& object, const char* key, const std::optional<QString>& value) {
     if (value)

@@ -2,6 +2,7 @@
 
 #include "apptools/AppSearchResults.h"
 #include "apptools/iTunesQueryHelper.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 
@@ -15,8 +16,6 @@ namespace quorlin::cli {
 namespace {
 
 using apptools::AppSearchResult;
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 std::optional<QList<AppSearchResult>> searchStore(const QString& term) {
     apptools::iTunesQueryHelper helper;

@@ -2,6 +2,7 @@
 
 #include "cli/CheckTargets.h"
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileFiles.h"
@@ -19,8 +20,6 @@ namespace {
 const QString kPlatformOption = QStringLiteral("--platform");
 const QString kMinimumOption = QStringLiteral("--os-min");
 const QString kMaximumOption = QStringLiteral("--os-max");
-const QString kManifestsOption = QStringLiteral("--manifests");
-const QString kJsonFlag = QStringLiteral("--json");
 
 struct Report {
     qsizetype checked = 0;

@@ -1,5 +1,6 @@
 #include "cli/DecryptCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
@@ -7,15 +8,6 @@
 #include "documents/EnvelopeWords.h"
 
 namespace quorlin::cli {
-
-namespace {
-
-const QString kIdentityOption = QStringLiteral("--identity");
-const QString kOutputOption = QStringLiteral("-o");
-const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
-const QString kManifestsOption = QStringLiteral("--manifests");
-
-} // namespace
 
 QString DecryptCommand::summary() const {
     return QStringLiteral("Decrypt a profile's payloads with one of your identities");

@@ -1,5 +1,6 @@
 #include "cli/DiffCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
@@ -16,9 +17,7 @@ namespace quorlin::cli {
 
 namespace {
 
-const QString kJsonFlag = QStringLiteral("--json");
 const QString kIgnoreIdentifiersFlag = QStringLiteral("--ignore-identifiers");
-const QString kManifestsOption = QStringLiteral("--manifests");
 
 QJsonValue jsonValue(const plist::Value& value) {
     switch (value.type()) {

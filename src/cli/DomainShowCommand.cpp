@@ -1,6 +1,7 @@
 #include "cli/DomainShowCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/DomainSource.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
@@ -11,9 +12,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kManifestsOption = QStringLiteral("--manifests");
-const QString kJsonFlag = QStringLiteral("--json");
 
 using Stage = PFMSupportedPlatforms::LifeCycleStage;
 

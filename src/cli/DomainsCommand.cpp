@@ -1,6 +1,7 @@
 #include "cli/DomainsCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "schema/PFMSupportedPlatforms.h"
@@ -11,9 +12,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kManifestsOption = QStringLiteral("--manifests");
-const QString kJsonFlag = QStringLiteral("--json");
 
 QStringList platformNames(const PFMDomain& domain) {
     QStringList names;

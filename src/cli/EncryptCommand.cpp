@@ -1,5 +1,6 @@
 #include "cli/EncryptCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
@@ -11,10 +12,6 @@ namespace quorlin::cli {
 namespace {
 
 const QString kRecipientOption = QStringLiteral("--recipient");
-const QString kIdentityOption = QStringLiteral("--identity");
-const QString kOutputOption = QStringLiteral("-o");
-const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
-const QString kManifestsOption = QStringLiteral("--manifests");
 
 } // namespace
 

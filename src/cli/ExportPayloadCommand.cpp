@@ -1,5 +1,6 @@
 #include "cli/ExportPayloadCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
@@ -10,8 +11,6 @@ namespace quorlin::cli {
 namespace {
 
 const QString kUuidOption = QStringLiteral("--uuid");
-const QString kOutputOption = QStringLiteral("-o");
-const QString kManifestsOption = QStringLiteral("--manifests");
 const QString kStripFlag = QStringLiteral("--strip-payload-keys");
 const QString kPayloadUUID = QStringLiteral("PayloadUUID");
 

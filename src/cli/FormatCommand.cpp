@@ -1,6 +1,7 @@
 #include "cli/FormatCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/IdentityChoice.h"
 #include "cli/OutputFile.h"
@@ -18,10 +19,6 @@ namespace {
 
 const QString kCheckFlag = QStringLiteral("--check");
 const QString kRepairFlag = QStringLiteral("--repair");
-const QString kIdentityOption = QStringLiteral("--identity");
-const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
-const QString kManifestsOption = QStringLiteral("--manifests");
-const QString kEncryptForOption = QStringLiteral("--encrypt-for");
 
 // What became of one file.
 enum class Outcome { unchanged, changed, leftAsIs, failed };

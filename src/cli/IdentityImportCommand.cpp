@@ -1,5 +1,6 @@
 #include "cli/IdentityImportCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/InputFile.h"
 #include "cli/ParsedArguments.h"
@@ -11,7 +12,6 @@ namespace quorlin::cli {
 namespace {
 
 const QString kPasswordFileOption = QStringLiteral("--password-file");
-const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
 
 } // namespace
 

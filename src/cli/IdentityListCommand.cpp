@@ -1,6 +1,7 @@
 #include "cli/IdentityListCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "documents/SigningServices.h"
@@ -12,8 +13,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 QString trustWord(const SigningIdentity& identity) {
     return identity.isTrusted ? QStringLiteral("trusted") : QStringLiteral("untrusted");

@@ -1,5 +1,6 @@
 #include "cli/ManifestsLintCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/InputFile.h"
 #include "cli/ParsedArguments.h"
@@ -14,8 +15,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 // A folder stands for every manifest below it, in a stable order.
 QStringList manifestFiles(const QString& path) {

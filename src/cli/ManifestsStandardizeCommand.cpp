@@ -1,6 +1,7 @@
 #include "cli/ManifestsStandardizeCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/OutputFile.h"
 #include "cli/ParsedArguments.h"
@@ -24,7 +25,6 @@ namespace {
 
 const QString kStoreOption = QStringLiteral("--store");
 const QString kSupportOption = QStringLiteral("--support");
-const QString kJsonFlag = QStringLiteral("--json");
 
 bool takeFlag(QStringList& arguments, const QString& flag) {
     bool found = false;

@@ -1,6 +1,7 @@
 #include "cli/ManifestsStatusCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ToolSettings.h"
@@ -20,8 +21,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 // What the settings choose and what its store holds, read from disk alone.
 struct RepositoryState {

@@ -1,6 +1,7 @@
 #include "cli/ManifestsUpdateCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ToolSettings.h"
@@ -22,7 +23,6 @@ namespace {
 
 const QString kAddressOption = QStringLiteral("--address");
 const QString kBranchOption = QStringLiteral("--branch");
-const QString kJsonFlag = QStringLiteral("--json");
 
 QString dateText(const std::optional<plist::Date>& date) {
     return date ? date->toDateTime().toString(Qt::ISODate) : QString();

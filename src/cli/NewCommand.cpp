@@ -1,6 +1,7 @@
 #include "cli/NewCommand.h"
 
 #include "cli/CommandLineTool.h"
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileContext.h"
@@ -11,13 +12,6 @@
 #include <algorithm>
 
 namespace quorlin::cli {
-
-namespace {
-
-const QString kOutputOption = QStringLiteral("-o");
-const QString kManifestsOption = QStringLiteral("--manifests");
-
-} // namespace
 
 QString NewCommand::summary() const {
     return QStringLiteral("Make a new profile with payloads of the given domains");

@@ -1,5 +1,6 @@
 #include "cli/PlistConvertCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/InputFile.h"
 #include "cli/ParsedArguments.h"
@@ -11,7 +12,6 @@ namespace quorlin::cli {
 namespace {
 
 const QString kFormatOption = QStringLiteral("-f");
-const QString kOutputOption = QStringLiteral("-o");
 const QString kXmlFormat = QStringLiteral("xml1");
 const QString kBinaryFormat = QStringLiteral("binary1");
 

@@ -1,5 +1,6 @@
 #include "cli/ShowCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
@@ -9,12 +10,6 @@
 #include "model/ProfileTextForm.h"
 
 namespace quorlin::cli {
-
-namespace {
-
-const QString kManifestsOption = QStringLiteral("--manifests");
-
-} // namespace
 
 QString ShowCommand::summary() const {
     return QStringLiteral("Print a profile as readable text, section by section");

@@ -1,5 +1,6 @@
 #include "cli/SignCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/IdentityChoice.h"
 #include "cli/ParsedArguments.h"
@@ -8,16 +9,6 @@
 #include "cli/SecretSource.h"
 
 namespace quorlin::cli {
-
-namespace {
-
-const QString kIdentityOption = QStringLiteral("--identity");
-const QString kOutputOption = QStringLiteral("-o");
-const QString kPassphraseFileOption = QStringLiteral("--passphrase-file");
-const QString kManifestsOption = QStringLiteral("--manifests");
-const QString kEncryptForOption = QStringLiteral("--encrypt-for");
-
-} // namespace
 
 QString SignCommand::summary() const {
     return QStringLiteral("Sign a profile with one of your identities");

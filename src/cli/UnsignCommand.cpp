@@ -1,17 +1,11 @@
 #include "cli/UnsignCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 
 namespace quorlin::cli {
-
-namespace {
-
-const QString kOutputOption = QStringLiteral("-o");
-const QString kManifestsOption = QStringLiteral("--manifests");
-
-} // namespace
 
 QString UnsignCommand::summary() const {
     return QStringLiteral("Take the profile out of a signed profile");

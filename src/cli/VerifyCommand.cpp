@@ -1,5 +1,6 @@
 #include "cli/VerifyCommand.h"
 
+#include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
 #include "cli/InputFile.h"
 #include "cli/ParsedArguments.h"
@@ -15,8 +16,6 @@
 namespace quorlin::cli {
 
 namespace {
-
-const QString kJsonFlag = QStringLiteral("--json");
 
 const QString kCaFileOption = QStringLiteral("--ca-file");
 
