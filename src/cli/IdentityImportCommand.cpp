@@ -28,7 +28,7 @@ QString IdentityImportCommand::help() const {
         "into your identity store, the one the editor signs with, and prints \"Imported\n"
         "“NAME” (trusted|untrusted)\". The key is stored encrypted under a new\n"
         "passphrase, which signing asks for. Importing the same certificate again\n"
-        "replaces it.\n"
+        "replaces it. FILE.p12 \"-\" reads the archive from standard input.\n"
         "\n"
         "The PKCS#12 password and the new passphrase are asked at the terminal, without\n"
         "echo; scripts give them in files instead, never on the command line:\n"
@@ -48,8 +48,9 @@ int IdentityImportCommand::run(const QStringList& arguments, CommandStreams& str
 
     const QString archive = parsed->operands().first();
     // Asking for secrets first would be in vain for a file that isn't there.
-    if (const auto readable = InputFile::read(archive); !readable)
-        return inputError(streams, readable.error().message);
+    const auto contents = InputFile::read(archive);
+    if (!contents)
+        return inputError(streams, contents.error().message);
     SecretSource passwordSource(parsed->value(kPasswordFileOption),
                                 QStringLiteral("Password of %1: ").arg(archive));
     const auto password = passwordSource.secret();
@@ -63,7 +64,7 @@ int IdentityImportCommand::run(const QStringList& arguments, CommandStreams& str
     if (passphrase->isEmpty())
         return inputError(streams, archive + QStringLiteral(": the key's new passphrase must not be empty"));
 
-    const auto identity = SigningServices().importPKCS12(archive, *password, *passphrase);
+    const auto identity = SigningServices().importPKCS12Data(*contents, *password, *passphrase);
     if (!identity)
         return inputError(
             streams, archive + QStringLiteral(": cannot import: wrong password, or not a PKCS#12 file with a "

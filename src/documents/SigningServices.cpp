@@ -251,14 +251,20 @@ void loadLegacyArchiveCiphers() {
 
 std::optional<SigningIdentity> SigningServices::importPKCS12(const QString& file, const QString& password,
                                                              const QString& newPassphrase) const {
-    // An empty passphrase would leave OpenSSL to prompt, and the key unprotected.
-    if (newPassphrase.isEmpty())
-        return std::nullopt;
     const std::optional<QByteArray> contents = readAll(file);
     if (!contents)
         return std::nullopt;
+    return importPKCS12Data(*contents, password, newPassphrase);
+}
+
+std::optional<SigningIdentity> SigningServices::importPKCS12Data(const QByteArray& contents,
+                                                                 const QString& password,
+                                                                 const QString& newPassphrase) const {
+    // An empty passphrase would leave OpenSSL to prompt, and the key unprotected.
+    if (newPassphrase.isEmpty())
+        return std::nullopt;
     loadLegacyArchiveCiphers();
-    openssl::Bio in = openssl::memoryReader(*contents);
+    openssl::Bio in = openssl::memoryReader(contents);
     openssl::Pkcs12 archive(d2i_PKCS12_bio(in.get(), nullptr));
     EVP_PKEY* rawKey = nullptr;
     X509* rawCertificate = nullptr;

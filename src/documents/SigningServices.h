@@ -51,6 +51,9 @@ public:
     // new passphrase. Nothing on a wrong password or an unreadable file.
     std::optional<SigningIdentity> importPKCS12(const QString& file, const QString& password,
                                                 const QString& newPassphrase) const;
+    // The same for an archive already read, such as one piped in.
+    std::optional<SigningIdentity> importPKCS12Data(const QByteArray& contents, const QString& password,
+                                                    const QString& newPassphrase) const;
 
     // CMS signed-data, content embedded, the chain up to the root, SHA-256.
     std::optional<QByteArray> encodeSignedMessage(const QByteArray& data,

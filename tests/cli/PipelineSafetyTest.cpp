@@ -33,8 +33,9 @@ protected:
         writeFile("secret.txt", "secret\n");
         writeFile("signer.p12", TestPki::pkcs12(leaf, {root.certificate.get()}, "secret"));
         ASSERT_EQ(m_tool
-                      .run({"identity", "import", "signer.p12", "--password-file", "secret.txt",
-                            "--passphrase-file", "secret.txt"})
+                      .run({"identity", "import", "-", "--password-file", "secret.txt", "--passphrase-file",
+                            "secret.txt"},
+                           m_tool.path("signer.p12"))
                       .exitCode,
                   0);
         ASSERT_EQ(tool(command("sign", m_tool.path("signed.mobileconfig"))).exitCode, 0);
