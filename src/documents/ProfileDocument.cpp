@@ -115,9 +115,13 @@ QString refusalReason(const QByteArray& data, const ProfileEnvironment& environm
     if (signedContent)
         return contentFault(signedContent->content,
                             QStringLiteral("the signed content is not a property list: "));
-    if (looksSigned)
-        return QStringLiteral("it looks like a CMS signed message, but one that can't be decoded (damaged, "
-                              "cut short or of another kind)");
+    if (looksSigned) {
+        const QString fault =
+            environment.signingServices ? environment.signingServices->signedMessageFault(data) : QString();
+        return fault.isEmpty() ? QStringLiteral("it looks like a CMS signed message, but one that can't be "
+                                                "decoded (damaged, cut short or of another kind)")
+                               : fault;
+    }
     return contentFault(data, QStringLiteral("not a property list: "));
 }
 

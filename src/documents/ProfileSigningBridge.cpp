@@ -10,6 +10,10 @@ ProfileSigningBridge::readSignedContent(const QByteArray& data) {
     return SignedContent{std::move(message->content), std::move(message->signerCommonNames)};
 }
 
+QString ProfileSigningBridge::signedMessageFault(const QByteArray& data) {
+    return m_services.signedMessageFault(data);
+}
+
 QStringList ProfileSigningBridge::identityCommonNames() {
     QStringList names;
     for (const SigningIdentity& identity : m_services.listIdentities().value_or(QList<SigningIdentity>{}))

@@ -12,6 +12,7 @@ public:
         : m_services(std::move(services)) {}
 
     std::optional<SignedContent> readSignedContent(const QByteArray& data) override;
+    QString signedMessageFault(const QByteArray& data) override;
     QStringList identityCommonNames() override;
     std::optional<QByteArray> sign(const QByteArray& data, const QString& commonName) override;
 

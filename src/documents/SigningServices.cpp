@@ -309,6 +309,38 @@ std::optional<QByteArray> SigningServices::encodeSignedMessage(const QByteArray&
     return message;
 }
 
+QString SigningServices::signedMessageFault(const QByteArray& data) const {
+    ERR_clear_error();
+    openssl::Bio der = openssl::memoryReader(data);
+    const openssl::Cms cms(d2i_CMS_bio(der.get(), nullptr));
+    if (!cms) {
+        const unsigned long error = ERR_peek_last_error();
+        const char* reason = error ? ERR_reason_error_string(error) : nullptr;
+        ERR_clear_error();
+        if (data.startsWith("-----BEGIN") && readCms(data))
+            return {};
+        return QStringLiteral("the CMS message can't be decoded: %1")
+            .arg(reason ? QString::fromUtf8(reason) : QStringLiteral("not DER"));
+    }
+    if (OBJ_obj2nid(CMS_get0_type(cms.get())) != NID_pkcs7_signed)
+        return QStringLiteral("the CMS message is not signed data");
+    if (!embeddedContent(cms.get()))
+        return QStringLiteral("the CMS signed message carries no content");
+    const int signerCount = sk_CMS_SignerInfo_num(CMS_get0_SignerInfos(cms.get()));
+    if (signerCount <= 0)
+        return QStringLiteral("the CMS signed message has no signer");
+    if (signerCount > maximumSigners)
+        return QStringLiteral("the CMS signed message has %1 signers, more than %2")
+            .arg(signerCount)
+            .arg(maximumSigners);
+    const openssl::CertificateStack embedded(CMS_get1_certs(cms.get()));
+    if (sk_X509_num(embedded.get()) > maximumCertificates)
+        return QStringLiteral("the CMS signed message carries %1 certificates, more than %2")
+            .arg(sk_X509_num(embedded.get()))
+            .arg(maximumCertificates);
+    return {};
+}
+
 std::optional<SignedMessage> SigningServices::decodeSignedMessage(const QByteArray& data) const {
     const openssl::Cms cms = readCms(data);
     if (!cms)

@@ -61,6 +61,10 @@ public:
     // DER or PEM. A broken signature or an untrusted signer still gives the
     // content; the verdicts are in SignedMessage::signers.
     std::optional<SignedMessage> decodeSignedMessage(const QByteArray& data) const;
+    // Why decodeSignedMessage gives nothing for the data: OpenSSL's reason
+    // for a message it can't parse, or what the message lacks or has too much
+    // of. Empty when the data decodes.
+    QString signedMessageFault(const QByteArray& data) const;
 
     static QString unknownName();
 

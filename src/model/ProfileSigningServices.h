@@ -20,6 +20,9 @@ public:
     virtual ~ProfileSigningServices() = default;
     // Nothing when the data isn't a signed message.
     virtual std::optional<SignedContent> readSignedContent(const QByteArray& data) = 0;
+    // Why data that readSignedContent refused isn't a signed profile, in
+    // plain words; empty when that can't be told.
+    virtual QString signedMessageFault(const QByteArray& /*data*/) { return {}; }
     // The common names of the signing identities on this machine.
     virtual QStringList identityCommonNames() = 0;
     // Nothing when the identity can't be found or signing fails.

@@ -160,6 +160,24 @@ TEST_F(SignedMessageTest, AThousandSignersOrCertificatesAreRefused) {
     EXPECT_EQ(modest->signers.size(), 2);
     EXPECT_FALSE(services.decodeSignedMessage(message(1000, 0)));
     EXPECT_FALSE(services.decodeSignedMessage(message(1, 1000)));
+
+    // Each refusal says what is wrong with the message; one that decodes has no fault.
+    const QByteArray whole = message(1, 0);
+    const struct {
+        QByteArray data;
+        const char* fault;
+    } cases[] = {
+        {whole, ""},
+        {whole.left(whole.size() / 2), "the CMS message can't be decoded: "},
+        {message(1000, 0), "the CMS signed message has 1000 signers, more than 16"},
+        {message(1, 1000), "the CMS signed message carries 1001 certificates, more than 64"},
+    };
+    for (const auto& each : cases) {
+        const QString fault = services.signedMessageFault(each.data);
+        EXPECT_TRUE(QLatin1String(each.fault).isEmpty() ? fault.isEmpty()
+                                                        : fault.startsWith(QLatin1String(each.fault)))
+            << fault.toStdString();
+    }
 }
 
 // Messages written by OpenSSL's own command line.
