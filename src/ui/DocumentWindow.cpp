@@ -135,9 +135,15 @@ DocumentWindow::DocumentWindow(std::unique_ptr<ProfileDocument> document, const 
 }
 
 DocumentWindow::~DocumentWindow() {
+    // The history and the sections outlive the views and still signal while
+    // they go (clearing the undo stack moves its index): nothing of this
+    // window may answer them then.
+    disconnect(&m_history.undoStack(), nullptr, this, nullptr);
+    disconnect(&m_sections, nullptr, this, nullptr);
     // The views reach into the sections and the history, which go before
     // QWidget's own destructor would delete them.
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+    m_issuesPanel = nullptr;
     // The document's hooks point into this window.
     m_document->setNoticePresenter(nullptr);
     m_document->setSavePanelPresenter(nullptr);

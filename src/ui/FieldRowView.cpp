@@ -494,7 +494,7 @@ void FieldRowView::applySpacing() {
 }
 
 void FieldRowView::showInfoButtonIfWanted() {
-    m_infoButton->setVisible(m_isMouseOver || m_popover);
+    m_infoButton->setVisible(m_isMouseOver || m_openPopover);
 }
 
 void FieldRowView::enterEvent(QEnterEvent* event) {
@@ -544,11 +544,15 @@ PropertyInfoPopover* FieldRowView::openPropertyInfo() {
     if (m_popover)
         m_popover->close();
     m_popover = new PropertyInfoPopover(m_field->propertyInfo(), this);
+    m_openPopover = m_popover.data();
     // The button lingers while its popover is open, then follows the pointer again.
     m_infoButton->show();
-    // While a widget is destroyed its guarded pointers still hold it.
-    connect(m_popover.data(), &QObject::destroyed, this, [this, closing = m_popover.data()] {
-        m_infoButton->setVisible(m_isMouseOver || (m_popover && m_popover.data() != closing));
+    // While a widget is destroyed its guarded pointers still hold it, and it
+    // is no longer a popover: only its address is compared.
+    connect(m_popover.data(), &QObject::destroyed, this, [this](QObject* closing) {
+        if (m_openPopover == closing)
+            m_openPopover = nullptr;
+        m_infoButton->setVisible(m_isMouseOver || m_openPopover);
     });
     m_popover->showBelow(m_infoButton);
     return m_popover;

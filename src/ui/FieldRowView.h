@@ -96,6 +96,8 @@ private:
     bool m_detailsBuilt = false;
     bool m_descriptionExpanded = false;
     QPointer<PropertyInfoPopover> m_popover;
+    // The open popover's address, which outlives its guarded pointer's use.
+    const QObject* m_openPopover = nullptr;
     bool m_isMouseOver = false;
 };
 
