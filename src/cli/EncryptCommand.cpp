@@ -2,6 +2,7 @@
 
 #include "cli/CommonOptions.h"
 #include "cli/ExitCode.h"
+#include "cli/IdentityChoice.h"
 #include "cli/ParsedArguments.h"
 #include "cli/ProfileOpener.h"
 #include "cli/RecipientCertificates.h"
@@ -69,17 +70,23 @@ int EncryptCommand::run(const QStringList& arguments, CommandStreams& streams) c
         return inputError(streams, opened.error().message);
     if (const auto applied = RecipientCertificates::apply(*opened->profile, *certificates, input); !applied)
         return inputError(streams, applied.error());
-    const QString identity = parsed->value(kIdentityOption).value_or(QString());
-    if (!identity.isEmpty() && !context->signing.hasIdentity(identity))
-        return inputError(streams, QStringLiteral("%1: no signing identity named “%2” (see 'quorlin-profile "
-                                                  "identity list')")
-                                       .arg(input, identity));
-    const auto bytes = opened->profile->profileData(identity);
+    const auto sealed = opened->profile->profileData(QString());
+    if (!sealed)
+        return inputError(streams, input + QStringLiteral(": cannot encrypt the payloads"));
+    const auto identityName = parsed->value(kIdentityOption);
+    if (!identityName)
+        return writeOutputFile(streams, *output, *sealed);
+    // Signed as `sign` signs: an identity named by its fingerprint where
+    // several share a name, with a warning for one out of its dates.
+    const auto chosen = IdentityChoice::choose(context->signing, *identityName);
+    if (!chosen)
+        return inputError(streams, input + QStringLiteral(": ") + chosen.error());
+    if (chosen->warning)
+        streams.printError(input + QStringLiteral(": ") + *chosen->warning);
+    const auto bytes = context->signing.encodeSignedMessage(*sealed, chosen->identity);
     if (!bytes) {
-        const QString reason = passphrases.lastError().value_or(
-            identity.isEmpty() ? QStringLiteral("encryption failed")
-                               : QStringLiteral("encryption or signing failed"));
-        return inputError(streams, QStringLiteral("%1: cannot encrypt: %2").arg(input, reason));
+        const QString reason = passphrases.lastError().value_or(QStringLiteral("signing failed"));
+        return inputError(streams, QStringLiteral("%1: cannot sign: %2").arg(input, reason));
     }
     return writeOutputFile(streams, *output, *bytes);
 }
