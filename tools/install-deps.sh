@@ -10,7 +10,7 @@ packages=(
     googletest libgtest-dev libbenchmark-dev
     libplist-dev python3
     clang libclang-rt-14-dev
-    lld
+    lld gcovr
 )
 
 missing=()
