@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 
@@ -98,16 +99,27 @@ const char* entityFor(char16_t c) {
     return c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '>' ? "&gt;" : nullptr;
 }
 
+// ASCII units that can't be copied as they are: the escaped three and U+0000.
+constexpr std::array<bool, 128> asciiNeedingCare = [] {
+    std::array<bool, 128> table{};
+    table[0] = table['&'] = table['<'] = table['>'] = true;
+    return table;
+}();
+
 // Text that is all ASCII, as nearly every key and string is, goes straight
 // from UTF-16 units to bytes; `ascii` turns false, with nothing written, at
 // the first unit that isn't.
 bool TreeWriter::appendEscapedAscii(const QString& text, bool& ascii) {
-    const char16_t* units = reinterpret_cast<const char16_t*>(text.utf16());
+    const QChar* units = text.constData();
     const qsizetype count = text.size();
     char* const begin = m_out.room(5 * count); // "&amp;" is the longest a unit becomes
     char* out = begin;
     for (qsizetype i = 0; i < count; ++i) {
-        const char16_t c = units[i];
+        const char16_t c = units[i].unicode();
+        if (c < 0x80 && !asciiNeedingCare[c]) {
+            *out++ = char(c);
+            continue;
+        }
         if (c >= 0x80) {
             ascii = false;
             return true;
@@ -116,13 +128,10 @@ bool TreeWriter::appendEscapedAscii(const QString& text, bool& ascii) {
             foundNulCharacter = true;
             return false;
         }
-        if (const char* entity = entityFor(c)) {
-            const size_t length = std::strlen(entity);
-            std::memcpy(out, entity, length);
-            out += length;
-        } else {
-            *out++ = char(c);
-        }
+        const char* entity = entityFor(c);
+        const size_t length = std::strlen(entity);
+        std::memcpy(out, entity, length);
+        out += length;
     }
     m_out.advance(out - begin);
     return true;
