@@ -16,6 +16,12 @@ void appendBigEndian(QByteArray& out, quint64 value, int size) {
         out.append(char(uchar(value >> shift)));
 }
 
+char* putBigEndian(char* out, quint64 value, int size) {
+    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
+        *out++ = char(uchar(value >> shift));
+    return out;
+}
+
 // Fewest of 1, 2, 4 or 8 bytes that hold `value`.
 int byteWidth(quint64 value) {
     if (value <= 0xFF)
@@ -54,16 +60,22 @@ void appendReal(QByteArray& out, uchar marker, double real) {
 }
 
 void appendString(QByteArray& out, const QString& string) {
-    const bool isAscii =
-        std::all_of(string.begin(), string.end(), [](QChar c) { return c.unicode() < 0x80; });
-    if (isAscii) {
-        appendMarker(out, 0x50, quint64(string.size()));
-        out.append(string.toLatin1());
-        return;
+    const QChar* units = string.constData();
+    const qsizetype count = string.size();
+    const bool isAscii = std::all_of(units, units + count, [](QChar c) { return c.unicode() < 0x80; });
+    appendMarker(out, isAscii ? 0x50 : 0x60, quint64(count));
+    const qsizetype start = out.size();
+    out.resize(start + (isAscii ? count : 2 * count));
+    char* bytes = out.data() + start;
+    for (qsizetype i = 0; i < count; ++i) {
+        const char16_t unit = units[i].unicode();
+        if (isAscii) {
+            bytes[i] = char(unit);
+        } else {
+            bytes[2 * i] = char(unit >> 8);
+            bytes[2 * i + 1] = char(unit);
+        }
     }
-    appendMarker(out, 0x60, quint64(string.size()));
-    for (const QChar c : string)
-        appendBigEndian(out, c.unicode(), 2);
 }
 
 void appendUid(QByteArray& out, quint64 uid) {
@@ -114,9 +126,42 @@ QByteArray encodeLeaf(const Value& value) {
     return out;
 }
 
+// What tells two scalars' encodings apart without making them: their class
+// (signed and unsigned integers apart) and their bits, so 1, 1.0 and true
+// differ and -0.0 is not 0.0. Data is unique'd by its bytes instead.
+struct ScalarKey {
+    Value::Type type = Value::Type::Null;
+    bool isUnsigned = false;
+    quint64 bits = 0;
+    friend bool operator==(const ScalarKey&, const ScalarKey&) = default;
+};
+
+size_t qHash(const ScalarKey& key, size_t seed = 0) {
+    return qHashMulti(seed, quint8(key.type), key.isUnsigned, key.bits);
+}
+
+ScalarKey scalarKey(const Value& value) {
+    switch (value.type()) {
+    case Value::Type::Boolean:
+        return {value.type(), false, quint64(*value.toBoolean())};
+    case Value::Type::Integer:
+        return value.isUnsignedInteger() ? ScalarKey{value.type(), true, *value.toUnsigned()}
+                                         : ScalarKey{value.type(), false, quint64(*value.toInteger())};
+    case Value::Type::Real:
+        return {value.type(), false, std::bit_cast<quint64>(*value.toReal())};
+    case Value::Type::Date:
+        return {value.type(), false, std::bit_cast<quint64>(value.toDate()->secondsSinceReferenceDate)};
+    case Value::Type::Uid:
+        return {value.type(), false, value.toUid()->value};
+    default:
+        return {value.type(), false, 0};
+    }
+}
+
 // Lays the tree out as a list of objects, root first and each container
 // before its contents, then writes them with references as small as the
-// object count allows.
+// object count allows. Leaf encodings and container references live in one
+// arena each, so an object costs no allocation of its own.
 class Encoder {
 public:
     std::optional<quint64> flatten(const Value& value) {
@@ -141,112 +186,162 @@ public:
         // Sized by the count and the table position themselves, not the largest
         // index and offset: Apple's reader insists on exactly that.
         const int referenceWidth = byteWidth(quint64(m_objects.size()));
-        QByteArray out("bplist00");
-        std::vector<quint64> offsets;
-        offsets.reserve(m_objects.size());
+        qsizetype objectBytes = 8 + m_leaves.size();
         for (const Object& object : m_objects) {
-            offsets.push_back(quint64(out.size()));
-            appendObject(out, object, referenceWidth);
+            if (object.kind != leafKind)
+                objectBytes += markerSize(object) + qsizetype(object.length) * referenceWidth;
         }
-        const quint64 offsetTableOffset = quint64(out.size());
+        const quint64 offsetTableOffset = quint64(objectBytes);
         const int offsetWidth = byteWidth(offsetTableOffset);
-        for (const quint64 offset : offsets)
-            appendBigEndian(out, offset, offsetWidth);
-        appendTrailer(out, offsetWidth, referenceWidth, offsetTableOffset);
+        QByteArray out(objectBytes + qsizetype(m_objects.size()) * offsetWidth + trailerSize,
+                       Qt::Uninitialized);
+        char* const begin = out.data();
+        char* cursor = begin;
+        cursor = std::copy_n("bplist00", 8, cursor);
+        char* offsetEntry = begin + objectBytes;
+        for (const Object& object : m_objects) {
+            offsetEntry = putBigEndian(offsetEntry, quint64(cursor - begin), offsetWidth);
+            cursor = putObject(cursor, object, referenceWidth);
+        }
+        putTrailer(offsetEntry, offsetWidth, referenceWidth, offsetTableOffset);
         return out;
     }
 
 private:
+    static constexpr uchar leafKind = 0;
+    static constexpr qsizetype trailerSize = 32;
+
     struct Object {
-        QByteArray leaf;                 // the encoding, for anything but a container
-        uchar containerKind = 0;         // 0xA0 array, 0xD0 dictionary
-        std::vector<quint64> references; // a dictionary's keys first, then its values
+        uchar kind = leafKind; // or 0xA0 array, 0xD0 dictionary
+        qsizetype start = 0;   // in m_leaves, or in m_references
+        qsizetype length = 0;  // bytes of a leaf; references of a container (a dictionary's keys first)
     };
 
     std::optional<quint64> flattenLeaf(const Value& value) {
-        QByteArray encoding = encodeLeaf(value);
-        if (const auto existing = m_leafIndex.constFind(encoding); existing != m_leafIndex.cend())
+        if (value.isData())
+            return flattenData(value);
+        const ScalarKey key = scalarKey(value);
+        if (const auto existing = m_scalarIndex.constFind(key); existing != m_scalarIndex.cend())
             return *existing;
-        const quint64 index = addObject(Object{encoding, 0, {}});
-        m_leafIndex.insert(std::move(encoding), index);
+        const quint64 index = addLeaf(encodeLeaf(value));
+        m_scalarIndex.insert(key, index);
+        return index;
+    }
+
+    quint64 flattenData(const Value& value) {
+        const QByteArray data = *value.toData();
+        if (const auto existing = m_dataIndex.constFind(data); existing != m_dataIndex.cend())
+            return *existing;
+        const quint64 index = addLeaf(encodeLeaf(value));
+        m_dataIndex.insert(data, index);
         return index;
     }
 
     // Only strings encode as strings, so they are unique'd by their text,
     // which spares encoding every repeated key and value before the lookup.
     quint64 flattenString(const QString& string) {
-        if (const auto existing = m_stringIndex.constFind(string); existing != m_stringIndex.cend())
+        const auto existing = m_stringIndex.constFind(string);
+        if (existing != m_stringIndex.cend())
             return *existing;
-        QByteArray encoding;
-        appendString(encoding, string);
-        const quint64 index = addObject(Object{std::move(encoding), 0, {}});
+        const qsizetype start = m_leaves.size();
+        appendString(m_leaves, string);
+        const quint64 index = addObject(Object{leafKind, start, m_leaves.size() - start});
         m_stringIndex.insert(string, index);
         return index;
     }
 
+    quint64 addLeaf(const QByteArray& encoding) {
+        const qsizetype start = m_leaves.size();
+        m_leaves.append(encoding);
+        return addObject(Object{leafKind, start, encoding.size()});
+    }
+
+    // The container's references are reserved before its contents are
+    // flattened, which append their own behind them.
+    qsizetype reserveReferences(qsizetype count) {
+        const qsizetype start = qsizetype(m_references.size());
+        m_references.resize(m_references.size() + size_t(count));
+        return start;
+    }
+
     std::optional<quint64> flattenArray(const Array& array) {
-        const quint64 index = addObject(Object{{}, 0xA0, {}});
-        std::vector<quint64> references;
-        references.reserve(size_t(array.size()));
+        const qsizetype start = reserveReferences(array.size());
+        const quint64 index = addObject(Object{0xA0, start, array.size()});
         for (qsizetype i = 0; i < array.size(); ++i) {
             const auto element = flatten(array[i]);
             if (!element) {
                 nullPath.prepend(QString::number(i));
                 return std::nullopt;
             }
-            references.push_back(*element);
+            m_references[size_t(start + i)] = *element;
         }
-        m_objects[index].references = std::move(references);
         return index;
     }
 
     std::optional<quint64> flattenDictionary(const Dictionary& dictionary) {
-        const quint64 index = addObject(Object{{}, 0xD0, {}});
-        std::vector<quint64> references;
-        references.reserve(size_t(2 * dictionary.size()));
+        const qsizetype count = dictionary.size();
+        const qsizetype start = reserveReferences(2 * count);
+        const quint64 index = addObject(Object{0xD0, start, 2 * count});
+        qsizetype slot = start;
         for (auto it = dictionary.begin(); it != dictionary.end(); ++it)
-            references.push_back(flattenString(it.key()));
+            m_references[size_t(slot++)] = flattenString(it.key());
         for (auto it = dictionary.begin(); it != dictionary.end(); ++it) {
             const auto value = flatten(it.value());
             if (!value) {
                 nullPath.prepend(it.key());
                 return std::nullopt;
             }
-            references.push_back(*value);
+            m_references[size_t(slot++)] = *value;
         }
-        m_objects[index].references = std::move(references);
         return index;
     }
 
     quint64 addObject(Object object) {
-        m_objects.push_back(std::move(object));
+        m_objects.push_back(object);
         return quint64(m_objects.size() - 1);
     }
 
-    static void appendObject(QByteArray& out, const Object& object, int referenceWidth) {
-        if (!object.containerKind) {
-            out.append(object.leaf);
-            return;
-        }
-        const quint64 count =
-            object.containerKind == 0xD0 ? object.references.size() / 2 : object.references.size();
-        appendMarker(out, object.containerKind, count);
-        for (const quint64 reference : object.references)
-            appendBigEndian(out, reference, referenceWidth);
+    static quint64 elementCount(const Object& object) {
+        return quint64(object.kind == 0xD0 ? object.length / 2 : object.length);
     }
 
-    void appendTrailer(QByteArray& out, int offsetWidth, int referenceWidth,
-                       quint64 offsetTableOffset) const {
-        out.append(6, '\0'); // unused bytes and the sort version
-        out.append(char(offsetWidth));
-        out.append(char(referenceWidth));
-        appendBigEndian(out, quint64(m_objects.size()), 8);
-        appendBigEndian(out, 0, 8); // the root is always the first object
-        appendBigEndian(out, offsetTableOffset, 8);
+    static qsizetype markerSize(const Object& object) {
+        const quint64 count = elementCount(object);
+        return count < 0x0F ? 1 : 2 + byteWidth(count);
+    }
+
+    char* putObject(char* out, const Object& object, int referenceWidth) const {
+        if (object.kind == leafKind)
+            return std::copy_n(m_leaves.constData() + object.start, object.length, out);
+        const quint64 count = elementCount(object);
+        if (count < 0x0F) {
+            *out++ = char(object.kind | count);
+        } else {
+            *out++ = char(object.kind | 0x0F);
+            const int width = byteWidth(count);
+            *out++ = char(0x10 | widthExponent(width));
+            out = putBigEndian(out, count, width);
+        }
+        const qsizetype end = object.start + object.length;
+        for (qsizetype i = object.start; i < end; ++i)
+            out = putBigEndian(out, m_references[size_t(i)], referenceWidth);
+        return out;
+    }
+
+    void putTrailer(char* out, int offsetWidth, int referenceWidth, quint64 offsetTableOffset) const {
+        out = std::fill_n(out, 6, '\0'); // unused bytes and the sort version
+        *out++ = char(offsetWidth);
+        *out++ = char(referenceWidth);
+        out = putBigEndian(out, quint64(m_objects.size()), 8);
+        out = putBigEndian(out, 0, 8); // the root is always the first object
+        putBigEndian(out, offsetTableOffset, 8);
     }
 
     std::vector<Object> m_objects;
-    QHash<QByteArray, quint64> m_leafIndex;
+    QByteArray m_leaves;
+    std::vector<quint64> m_references;
+    QHash<ScalarKey, quint64> m_scalarIndex;
+    QHash<QByteArray, quint64> m_dataIndex;
     QHash<QString, quint64> m_stringIndex;
 };
 
