@@ -127,6 +127,11 @@ std::vector<ControlCase> controlCases() {
              Q_EMIT combo.textActivated(combo.currentText());
          },
          plist::Value(QStringLiteral("b.example")), true},
+        {QStringLiteral("Server"), "quorlin::ComboBoxInstrumentWidget",
+         [](QWidget& widget) {
+             QTest::keyClicks(static_cast<QComboBox&>(widget).lineEdit(), QStringLiteral("c.example"));
+         },
+         plist::Value(QStringLiteral("c.example")), true},
         {QStringLiteral("When"), "quorlin::DateInstrumentWidget",
          [when](QWidget& widget) { static_cast<QDateTimeEdit&>(widget).setDateTime(when.toLocalTime()); },
          plist::Value(plist::Date::fromDateTime(when)), true},
