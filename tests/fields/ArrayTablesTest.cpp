@@ -3,6 +3,7 @@
 // removing, duplicating and moving rows through the writer.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/ArrayInstrumentController.h"
 #include "fields/CustomPlistInstrumentController.h"
@@ -22,32 +23,8 @@ const plist::Date fixedNow{800000000};
 class ArrayTablesTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        const plist::Dictionary server = itemTree(
-            "dictionary",
-            {{"pfm_subkeys",
-              plist::Array{
-                  keyTree("Host", "string", {{"pfm_quorlin_sorting_index", 2}}),
-                  keyTree("Secure", "boolean", {{"pfm_quorlin_sorting_index", 1}}), keyTree("Since", "date"),
-                  keyTree("Tags", "array", {{"pfm_subkeys", plist::Array{itemTree("string")}}}),
-                  keyTree("Options", "dictionary",
-                          {{"pfm_subkeys", plist::Array{keyTree("Port", "integer"),
-                                                        keyTree("Verify", "boolean",
-                                                                {{"pfm_default", true},
-                                                                 {"pfm_quorlin_sorting_index", 0}})}}})}}});
-        const plist::Dictionary pair = itemTree(
-            "dictionary",
-            {{"pfm_subkeys", plist::Array{keyTree("{{key}}", "string"), keyTree("{{value}}", "string")}}});
-        payload = payloadWith(
-            plist::Array{
-                keyTree("Names", "array", {{"pfm_subkeys", plist::Array{itemTree("string")}}}),
-                keyTree("Servers", "array", {{"pfm_subkeys", plist::Array{server}}}),
-                keyTree("Pairs", "array", {{"pfm_subkeys", plist::Array{pair}}}),
-                keyTree("Apps", "array",
-                        {{"pfm_subkeys",
-                          plist::Array{itemTree("string", {{"pfm_quorlin_control_type", "bundle-id"}})}}}),
-                keyTree("Mixed", "array",
-                        {{"pfm_subkeys", plist::Array{itemTree("string"), itemTree("integer")}}})},
-            {{"Names", plist::Array{"a", "b", "c"}}, {"Mixed", plist::Array{"x", 1, "y", 2}}});
+        payload = dataPayload("fields/array-tables.plist", {{"Names", plist::Array{"a", "b", "c"}},
+                                                            {"Mixed", plist::Array{"x", 1, "y", 2}}});
     }
     std::unique_ptr<ArrayInstrumentController> table(const QString& key, int index = 0) {
         auto made = std::make_unique<ArrayInstrumentController>(std::make_shared<FixedDateSource>(fixedNow));

@@ -2,6 +2,7 @@
 // placeholders, paths into nested keys, and the writer every edit goes through.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/KeyPath.h"
 #include "fields/ValueBinding.h"
@@ -18,16 +19,8 @@ using Role = ValueBinding::Role;
 class BindingTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        const plist::Dictionary account =
-            itemTree("dictionary",
-                     {{"pfm_subkeys",
-                       plist::Array{keyTree("Server", "string"),
-                                    keyTree("Options", "dictionary",
-                                            {{"pfm_subkeys", plist::Array{keyTree("Port", "integer")}}})}}});
-        payload = payloadWith(
-            plist::Array{keyTree("Name", "string"), keyTree("Blob", "data"),
-                         keyTree("Mode", "string", {{"pfm_range_list", plist::Array{"a", "b"}}}),
-                         keyTree("Accounts", "array", {{"pfm_subkeys", plist::Array{account}}})},
+        payload = dataPayload(
+            "fields/binding.plist",
             {{"Name", "first"},
              {"Accounts", plist::Array{plist::Dictionary{{"Server", "one"}},
                                        plist::Dictionary{{"Server", "two"},

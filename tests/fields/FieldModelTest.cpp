@@ -3,6 +3,7 @@
 // rule switches, enabling, the error and the context menu.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/ArrayInstrumentController.h"
 #include "fields/FieldModelBuilder.h"
@@ -21,36 +22,7 @@ const QString docs = QStringLiteral("https://example.com/docs");
 
 class FieldModelTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        const plist::Array keys{
-            keyTree("AllowAbout", "string",
-                    {{"pfm_title", "Allow About abroad"}, {"pfm_description", "Tab about"}}),
-            keyTree("Proxy", "string"),
-            keyTree("ProxyPort", "integer",
-                    {{"pfm_conditionals", whenPresent("Proxy")}, {"pfm_range_max", 10}}),
-            keyTree("Locked", "string",
-                    {{"pfm_exclude", whenPresent("Proxy", {{"pfm_quorlin_exclusion_disables", true}})}}),
-            keyTree("Quiet", "boolean",
-                    {{"pfm_description", "Mutes it"},
-                     {"pfm_quorlin_indentation_level", 2},
-                     {"pfm_default", true}}),
-            keyTree("Supervised", "string", {{"pfm_quorlin_supervision_required", true}}),
-            keyTree("IOSOnly", "string", {{"pfm_quorlin_platforms", plist::Array{"ios"}}}),
-            keyTree("SameDocs", "string", {{"pfm_quorlin_documentation_url", docs}}),
-            keyTree("OwnDocs", "string", {{"pfm_quorlin_documentation_url", docs + "/own"}}),
-            keyTree("Ghost", "string", {{"pfm_quorlin_ghost_key", true}}),
-            keyTree("Names", "array", {{"pfm_subkeys", plist::Array{itemTree("string")}}}),
-            keyTree("Mixed", "array",
-                    {{"pfm_subkeys", plist::Array{itemTree("string"), itemTree("integer")}}}),
-            keyTree("Hidden", "string", {{"pfm_quorlin_user_visible", false}}),
-            keyTree("Fixed", "string", {{"pfm_quorlin_user_editable", false}, {"pfm_default", "f"}}),
-        };
-        const auto domain =
-            PFMDomain::make(manifestTree("com.example.fields", keys,
-                                         {{"pfm_quorlin_platforms", plist::Array{"ios", "macos"}},
-                                          {"pfm_quorlin_documentation_url", docs}}));
-        payload = Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Ghost", "boo"}});
-    }
+    void SetUp() override { payload = dataPayload("fields/field-model.plist", {{"Ghost", "boo"}}); }
     std::shared_ptr<FieldViewController> field(const QString& name) {
         auto made = FieldViewController::make(payload->keyAtPath(name));
         made->makeInstrument(writer);

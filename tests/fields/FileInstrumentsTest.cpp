@@ -3,6 +3,7 @@
 // here, at test time.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/AppSelectorInstrumentController.h"
 #include "fields/CustomPlistInstrumentController.h"
@@ -38,16 +39,7 @@ class FileInstrumentsTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(folder.isValid());
-        payload = payloadWith(plist::Array{
-            keyTree("Certificate", "data",
-                    {{"pfm_quorlin_allowed_file_extensions", plist::Array{"cer", "der"}},
-                     {"pfm_quorlin_allowed_data_signatures", plist::Array{QByteArray("\x30\x82", 2)}}}),
-            keyTree("Anything", "data", {{"pfm_quorlin_user_editable", false}}),
-            keyTree("Logo", "data", {{"pfm_quorlin_control_type", "image"}}), keyTree("Custom", "dictionary"),
-            keyTree("List", "array"),
-            keyTree("Shaped", "dictionary", {{"pfm_subkeys", plist::Array{keyTree("Port", "integer")}}}),
-            keyTree("Text", "string"),
-            keyTree("App", "string", {{"pfm_quorlin_control_type", "bundle-id"}})});
+        payload = dataPayload("fields/file-instruments.plist");
     }
     QString write(const QString& name, const QByteArray& bytes) {
         const QString path = folder.filePath(name);

@@ -2,6 +2,7 @@
 // platform tags.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/InfoPanelViewModel.h"
 #include "fields/PlatformTag.h"
@@ -15,45 +16,9 @@ using namespace quorlin::test;
 using Model = PFMSupportedPlatforms::Model;
 using Stage = PFMSupportedPlatforms::LifeCycleStage;
 
-plist::Dictionary supportedOSes() {
-    return {
-        {"iOS", plist::Dictionary{{"pfmx_introduced", "13.0"},
-                                  {"pfmx_deprecated", "17.0"},
-                                  {"pfmx_allow_manual_install", false},
-                                  {"pfmx_supervised", false},
-                                  {"pfmx_shared_ipad", plist::Dictionary{{"pfmx_mode", "forbidden"}}}}},
-        {"macOS", plist::Dictionary{{"pfmx_introduced", "10.15"},
-                                    {"pfmx_allow_manual_install", true},
-                                    {"pfmx_multiple", true},
-                                    {"pfmx_user_enrollment", plist::Dictionary{{"pfmx_mode", "allowed"}}}}},
-        {"tvOS", plist::Dictionary{{"pfmx_introduced", "n/a"}}}};
-}
-
 class PropertyInfoTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        payload = payloadWith(plist::Array{
-            keyTree("Plain", "string"),
-            keyTree("Count", "integer", {{"pfm_range_min", 1}, {"pfm_range_max", 9}, {"pfm_default", 3}}),
-            keyTree("Ratio", "real", {{"pfm_range_min", 0}}),
-            keyTree("Short", "string", {{"pfm_range_max", 8}}),
-            keyTree("Code", "string",
-                    {{"pfm_range_min", 2}, {"pfm_range_max", 4}, {"pfm_format", "^[A-Z]+$"}}),
-            keyTree("Pattern", "string", {{"pfm_format", "^x$"}}),
-            keyTree("Blob", "data", {{"pfm_range_max", 2000}}),
-            keyTree("Off", "boolean", requiredAlways({{"pfm_default", false}})),
-            keyTree("Mode", "integer",
-                    {{"pfm_range_list", plist::Array{0, 1, 2}},
-                     {"pfm_quorlin_pretty_range_list", plist::Dictionary{{"1", "One"}}}}),
-            keyTree("One", "array", {{"pfm_repetition_max", 1}}),
-            keyTree("Many", "array", {{"pfm_repetition_max", 4}}),
-            keyTree("AtLeastOne", "array", {{"pfm_repetition_min", 1}}),
-            keyTree("Between", "array", {{"pfm_repetition_min", 2}, {"pfm_repetition_max", 3}}),
-            keyTree("Noted", "string",
-                    {{"pfm_quorlin_note", "Mind the gap"},
-                     {"pfm_quorlin_documentation_url", "https://example.com/noted"},
-                     {"pfmx_supported_oses", supportedOSes()}})});
-    }
+    void SetUp() override { payload = dataPayload("fields/property-info.plist"); }
     InfoPanelViewModel info(const QString& key) { return InfoPanelViewModel::make(*payload->keyAtPath(key)); }
 
     Payload::Pointer payload;
@@ -116,10 +81,7 @@ TEST_F(PropertyInfoTest, AvailabilityRowsLeaveOutWhatSaysNothing) {
 }
 
 TEST_F(PropertyInfoTest, ADomainPanelHasNoPresenceAndKeepsItsNote) {
-    const auto domain = PFMDomain::make(
-        manifestTree("com.example.info", plist::Array{keyTree("A", "string")},
-                     {{"pfm_quorlin_note", "As it is"}, {"pfmx_supported_oses", supportedOSes()}}));
-    const auto panel = InfoPanelViewModel::make(*domain);
+    const auto panel = InfoPanelViewModel::make(*dataDomain("fields/info-domain.plist"));
     EXPECT_EQ(panel.name, "com.example.info");
     EXPECT_EQ(panel.title, "Test Payload");
     EXPECT_FALSE(panel.presence);

@@ -3,6 +3,7 @@
 // pop-up entries and rebinding to another key.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/BooleanInstrumentController.h"
 #include "fields/ComboBoxInstrumentController.h"
@@ -19,34 +20,7 @@ using namespace quorlin::test;
 
 class ScalarInstrumentsTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        payload = payloadWith(plist::Array{
-            keyTree("Host", "string",
-                    requiredAlways({{"pfm_quorlin_value_placeholder", "host.example.com"}})),
-            keyTree("Plain", "string"), keyTree("Proxy", "string"),
-            keyTree("ProxyPort", "string", {{"pfm_conditionals", whenPresent("Proxy")}}),
-            keyTree("Blob", "data"),
-            keyTree(
-                "Hex", "data",
-                {{"pfm_quorlin_control_type", "string"}, {"pfm_quorlin_type_adapter", "data-to-hex-string"}}),
-            keyTree("Level", "integer", {{"pfm_range_list", plist::Array{0, 5}}}),
-            keyTree("Odd", "integer", {{"pfm_range_list", plist::Array{1, 5}}}),
-            keyTree("Three", "integer", {{"pfm_range_list", plist::Array{0, 5, 6}}}),
-            keyTree("Enabled", "boolean", {{"pfm_default", true}}),
-            keyTree("MustEnable", "boolean", requiredAlways({{"pfm_default", true}})),
-            keyTree("Flavour", "string",
-                    requiredAlways({{"pfm_range_list", plist::Array{"v", "c"}},
-                                    {"pfm_quorlin_pretty_range_list", plist::Dictionary{{"v", "Vanilla"}}}})),
-            keyTree("Size", "integer",
-                    {{"pfm_range_list", plist::Array{1, 2}},
-                     {"pfm_quorlin_pretty_range_list", plist::Dictionary{{"1", "Small"}}}}),
-            keyTree("Pick", "string", {{"pfm_quorlin_suggestions", plist::Array{"x", "y"}}}),
-            keyTree(
-                "Hosts", "array",
-                requiredAlways({{"pfm_subkeys", plist::Array{itemTree("string")}},
-                                {"pfm_quorlin_control_type", "string"},
-                                {"pfm_quorlin_type_adapter", "strings-array-to-comma-delimited-string"}}))});
-    }
+    void SetUp() override { payload = dataPayload("fields/scalar-instruments.plist"); }
     template <typename Instrument>
     std::unique_ptr<Instrument> attached(const QString& key, bool inTable) {
         auto instrument = std::make_unique<Instrument>();

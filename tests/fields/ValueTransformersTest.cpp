@@ -3,6 +3,7 @@
 // crash) for what it can't convert.
 
 #include "FieldsTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "fields/ArrayToX500NameStringValueTransformer.h"
 #include "fields/DataToHexStringValueTransformer.h"
@@ -185,26 +186,7 @@ TEST(ValueTransformersTest, ValuesOfTheWrongClassGiveNothing) {
 
 class ArrayTransformersTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        const plist::Dictionary relativeName = itemTree(
-            "array",
-            {{"pfm_subkeys",
-              plist::Array{itemTree("array", {{"pfm_subkeys", plist::Array{itemTree("string")}}})}}});
-        payload = payloadWith(plist::Array{
-            keyTree("Names", "array",
-                    {{"pfm_subkeys", plist::Array{itemTree("string")}},
-                     {"pfm_quorlin_control_type", "string"},
-                     {"pfm_quorlin_type_adapter", "strings-array-to-comma-delimited-string"}}),
-            keyTree(
-                "Hosts", "array",
-                requiredAlways({{"pfm_subkeys", plist::Array{itemTree("string")}},
-                                {"pfm_quorlin_control_type", "string"},
-                                {"pfm_quorlin_type_adapter", "strings-array-to-comma-delimited-string"}})),
-            keyTree("Subject", "array",
-                    {{"pfm_subkeys", plist::Array{relativeName}},
-                     {"pfm_quorlin_control_type", "string"},
-                     {"pfm_quorlin_type_adapter", "oid-and-value-arrays-to-x500-name"}})});
-    }
+    void SetUp() override { payload = dataPayload("fields/array-transformers.plist"); }
     StringsArrayToCommaDelimitedStringValueTransformer commaList(const QString& name) {
         const auto key = payload->keyAtPath(name);
         return StringsArrayToCommaDelimitedStringValueTransformer(key->prototypePointer(), key);

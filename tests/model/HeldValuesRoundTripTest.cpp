@@ -5,10 +5,9 @@
 // and saving must give back the tree as it was read.
 
 #include "ModelTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "plist/XmlWriter.h"
-
-#include <QDir>
 
 #include <gtest/gtest.h>
 
@@ -18,10 +17,8 @@ namespace quorlin {
 namespace {
 
 using test::makeTestEnvironment;
-using test::readDictionary;
 using Kind = PFMKeyPrototype::Kind;
 
-const QString bundledFolder = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests");
 // Fixed, so that a failure repeats; QUORLIN_HELD_SEED tries another.
 const unsigned baseSeed = qEnvironmentVariableIsSet("QUORLIN_HELD_SEED")
                               ? unsigned(qEnvironmentVariableIntValue("QUORLIN_HELD_SEED"))
@@ -149,9 +146,7 @@ std::optional<QString> firstDifference(const plist::Value& read, const plist::Va
 }
 
 TEST(HeldValuesRoundTrip, EveryBundledDomainKeepsWhatItCantBind) {
-    Profile::DomainList domains;
-    for (const QString& name : QDir(bundledFolder).entryList({"*.plist"}, QDir::Files))
-        domains.append(PFMDomain::make(readDictionary(QDir(bundledFolder).filePath(name))));
+    const Profile::DomainList domains = test::bundledManifestDomains();
     ASSERT_GE(domains.size(), 35);
     qsizetype spoiltTotal = 0;
     qsizetype excludedTotal = 0;

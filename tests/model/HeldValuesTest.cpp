@@ -2,6 +2,7 @@
 // they are written, and when they leave.
 
 #include "ModelTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "plist/XmlWriter.h"
 
@@ -81,15 +82,7 @@ TEST(HeldValues, SettingAKeyReplacesItsHeldValueAndRemovingUndoes) {
 }
 
 TEST(HeldValues, AValueARuleLeavesOutIsHeldWhileTheRuleHolds) {
-    const auto domain = domainWithKeys(
-        {keyTree("PayloadType", "string"), keyTree("Enable", "boolean"),
-         keyTree("Server", "string",
-                 {{"pfm_exclude", plist::Array{rule(plist::Array{
-                                      condition("Enable", "pfm_range_list", plist::Array{false})})}}}),
-         keyTree("Proxy", "dictionary",
-                 {{"pfm_exclude", plist::Array{rule(plist::Array{
-                                      condition("Enable", "pfm_range_list", plist::Array{false})})}},
-                  {"pfm_subkeys", plist::Array{keyTree("Host", "string")}}})});
+    const auto domain = dataDomain("model/manifests/excluded-when-off.plist");
     const plist::Dictionary read{{"PayloadType", "com.example.test"},
                                  {"Enable", false},
                                  {"Server", "s.example"},

@@ -2,6 +2,7 @@
 // parent, offers, and a key that says nothing inherits it.
 
 #include "ModelTestSupport.h"
+#include "support/DataManifests.h"
 
 #include <gtest/gtest.h>
 
@@ -12,26 +13,8 @@ using namespace quorlin::test;
 using Model = PFMSupportedPlatforms::Model;
 using Stage = PFMSupportedPlatforms::LifeCycleStage;
 
-plist::Dictionary introduced(std::initializer_list<std::pair<QString, QString>> versions) {
-    plist::Dictionary oses;
-    for (const auto& [platform, version] : versions)
-        oses.insert(platform, plist::Dictionary{{"pfmx_introduced", version}});
-    return oses;
-}
-
 TEST(KeyAvailabilityTest, KeysNarrowTheirDomainAndChildrenInheritWhenSilent) {
-    const plist::Array keys{
-        keyTree("Plain", "string"),
-        keyTree("MacOnly", "dictionary",
-                {{"pfmx_supported_oses", introduced({{"iOS", "n/a"}})},
-                 {"pfm_subkeys",
-                  plist::Array{keyTree("Inherits", "string"),
-                               keyTree("Later", "string",
-                                       {{"pfmx_supported_oses", introduced({{"macOS", "13.0"}})}})}}}),
-    };
-    const auto domain = PFMDomain::make(
-        manifestTree("com.example.available", keys,
-                     {{"pfmx_supported_oses", introduced({{"iOS", "14.0"}, {"macOS", "11.0"}})}}));
+    const auto domain = dataDomain("model/manifests/availability.plist");
     const auto payload = Payload::make(domain, nullptr, makeTestEnvironment());
 
     const auto plain = payload->keyAtPath("Plain")->supportedPlatforms();

@@ -2,6 +2,7 @@
 // export of one payload as a preference file.
 
 #include "ModelTestSupport.h"
+#include "support/DataManifests.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -131,12 +132,7 @@ TEST(PayloadTest, FileBasedPayloadTakesTheFileBytesAndName) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(QByteArray("\x30\x82\x01\x0a", 4));
     file.close();
-    const auto domain = PFMDomain::make(
-        manifestTree("com.example.file",
-                     {keyTree("PayloadContent", "data"), keyTree("PayloadCertificateFileName", "string")},
-                     {{"pfm_quorlin_file_based_payload", true},
-                      {"pfm_quorlin_payload_file_data_subkey", "PayloadContent"},
-                      {"pfm_quorlin_payload_file_name_subkey", "PayloadCertificateFileName"}}));
+    const auto domain = dataDomain("model/manifests/file-based.plist");
     const auto payload = Payload::makeNewPayloadFromFile(domain, nullptr, makeTestEnvironment(), uuid, path);
     EXPECT_EQ(payload->writeOutDictionary(),
               (plist::Dictionary{{"PayloadContent", plist::Value(QByteArray("\x30\x82\x01\x0a", 4))},

@@ -2,6 +2,7 @@
 // which a rule hides or disables, and what that does to the written payload.
 
 #include "ModelTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "model/Conditional.h"
 #include "model/PreferenceKey.h"
@@ -14,71 +15,10 @@ namespace {
 using namespace quorlin::test;
 using Status = PreferenceKey::RequirementStatus;
 
-const QString pfmExclude = QStringLiteral("pfm_exclude");
-const QString pfmConditionals = QStringLiteral("pfm_conditionals");
-const QString rangeList = QStringLiteral("pfm_range_list");
-const QString present = QStringLiteral("pfm_present");
-const QString containsAny = QStringLiteral("pfm_contains_any");
-const QString always = QStringLiteral("always");
-
-plist::Dictionary required(plist::Dictionary extra = {}) {
-    extra.insert(QStringLiteral("pfm_require"), always);
-    return extra;
-}
-
-plist::Array ruleList(const plist::Dictionary& singleRule) {
-    return plist::Array{plist::Value(singleRule)};
-}
-
-plist::Dictionary enableIsFalse(plist::Dictionary extra = {}) {
-    return rule(plist::Array{plist::Value(condition("Enable", rangeList, plist::Array{plist::Value(false)}))},
-                std::move(extra));
-}
-
-// A payload whose keys exercise every way a rule or a requirement reaches
-// a key, including keys inside dictionaries.
-std::shared_ptr<const PFMDomain> rulesDomain() {
-    const plist::Array keys{
-        keyTree("Enable", "boolean"),
-        keyTree("Server", "string", {{pfmExclude, ruleList(enableIsFalse())}}),
-        keyTree("Port", "integer",
-                {{pfmConditionals,
-                  ruleList(rule(plist::Array{plist::Value(condition("Server", present, true))}))}}),
-        keyTree(
-            "Proxy", "dictionary",
-            {{pfmExclude,
-              ruleList(enableIsFalse({{QStringLiteral("pfm_quorlin_exclusion_disables"), true}}))},
-             {QStringLiteral("pfm_subkeys"),
-              plist::Array{
-                  keyTree("Host", "string", required({{QStringLiteral("pfm_default"), "proxy.local"}})),
-                  keyTree("Auth", "dictionary",
-                          {{QStringLiteral("pfm_subkeys"), plist::Array{keyTree("User", "string", required()),
-                                                                        keyTree("Password", "string")}}}),
-              }}}),
-        keyTree("Watcher", "string",
-                {{pfmConditionals,
-                  ruleList(rule(plist::Array{plist::Value(condition("Proxy", present, false))}))}}),
-        keyTree("Orphan", "string",
-                {{pfmConditionals,
-                  ruleList(rule(plist::Array{plist::Value(condition("Nowhere", present, true))}))}}),
-        keyTree("Half", "string",
-                {{pfmConditionals,
-                  ruleList(rule(plist::Array{plist::Value(condition("Nowhere", present, true)),
-                                             plist::Value(condition("Enable", present, true))}))}}),
-        keyTree("Flagged", "string",
-                {{pfmConditionals, ruleList(rule(plist::Array{plist::Value(
-                                       condition("Enable", containsAny, plist::Array{true}))}))}}),
-        keyTree("Version", "integer", required({{QStringLiteral("pfm_default"), 3}})),
-        keyTree("Comment", "string", {{QStringLiteral("pfm_default"), "none"}}),
-        keyTree("Shadow", "string", {{QStringLiteral("pfm_quorlin_ghost_key"), true}}),
-    };
-    return domainWithKeys(keys);
-}
-
 class RequirementExclusionTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        payload = Payload::make(rulesDomain(), nullptr, makeTestEnvironment());
+        payload = dataPayload("model/manifests/rules.plist");
         ASSERT_TRUE(payload);
     }
     PreferenceKey::Pointer key(const QString& path) const {

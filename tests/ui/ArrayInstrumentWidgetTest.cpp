@@ -1,4 +1,5 @@
 #include "InstrumentWidgetFixture.h"
+#include "support/DataManifests.h"
 
 #include "fields/ArrayInstrumentController.h"
 #include "fields/DataInstrumentController.h"
@@ -33,26 +34,7 @@ class ArrayInstrumentWidgetTest : public InstrumentWidgetFixture {
 protected:
     // Beside the bundled domains, one whose rows hold a certificate file
     // each, and a list of apps.
-    void SetUp() override {
-        const plist::Dictionary name{{QStringLiteral("pfm_name"), QStringLiteral("Name")},
-                                     {QStringLiteral("pfm_type"), QStringLiteral("string")}};
-        const plist::Dictionary content{
-            {QStringLiteral("pfm_name"), QStringLiteral("Content")},
-            {QStringLiteral("pfm_type"), QStringLiteral("data")},
-            {QStringLiteral("pfm_quorlin_allowed_file_extensions"), plist::Array{QStringLiteral("cer")}}};
-        const plist::Dictionary item{{QStringLiteral("pfm_type"), QStringLiteral("dictionary")},
-                                     {QStringLiteral("pfm_subkeys"), plist::Array{name, content}}};
-        const plist::Dictionary certificates{{QStringLiteral("pfm_name"), QStringLiteral("Certificates")},
-                                             {QStringLiteral("pfm_type"), QStringLiteral("array")},
-                                             {QStringLiteral("pfm_subkeys"), plist::Array{item}}};
-        const plist::Dictionary app{
-            {QStringLiteral("pfm_type"), QStringLiteral("string")},
-            {QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id")}};
-        const plist::Dictionary apps{{QStringLiteral("pfm_name"), QStringLiteral("Apps")},
-                                     {QStringLiteral("pfm_type"), QStringLiteral("array")},
-                                     {QStringLiteral("pfm_subkeys"), plist::Array{app}}};
-        open({domainWithKeys(plist::Array{certificates, apps}, certificatesDomain)});
-    }
+    void SetUp() override { open({dataDomain(QStringLiteral("ui/certificates.plist"))}); }
 
     // The table of a top-level array key, shown in a window of its own.
     ArrayInstrumentWidget& showTable(const QString& domain, const QString& key) {

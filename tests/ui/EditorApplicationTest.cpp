@@ -82,21 +82,6 @@ protected:
         return reloaded;
     }
 
-    template <typename Widget>
-    static Widget* child(QWidget* parent, const QString& name) {
-        auto* widget = parent->findChild<Widget*>(name);
-        EXPECT_TRUE(widget) << name.toStdString();
-        return widget;
-    }
-    static void click(QWidget* parent, const QString& name) {
-        if (auto* button = child<QAbstractButton>(parent, name))
-            button->click();
-    }
-    static void type(QWidget* parent, const QString& name, const QString& text) {
-        auto* edit = child<QLineEdit>(parent, name);
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-    }
     static void rename(DocumentWindow& window, const QString& name) {
         window.history().setValue(
             window.document().profile()->rootPayload()->keyAtPath(QStringLiteral("PayloadDisplayName")),

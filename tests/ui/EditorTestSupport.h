@@ -8,6 +8,7 @@
 #include "plist/UserDefaults.h"
 #include "plist/XmlWriter.h"
 #include "shell/FactoryDefaults.h"
+#include "support/DataManifests.h"
 #include "support/TestSupport.h"
 #include "ui/DocumentController.h"
 #include "ui/DocumentWindow.h"
@@ -26,18 +27,7 @@ namespace quorlin::test {
 
 // The domains of the build's bundled manifests, read once for the suite.
 inline const Profile::DomainList& bundledDomains() {
-    static const Profile::DomainList domains = [] {
-        Profile::DomainList read;
-        const QDir folder(QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests"));
-        for (const QString& name : folder.entryList({QStringLiteral("*.plist")}, QDir::Files, QDir::Name)) {
-            const auto parsed = plist::PlistReader::read(readFile(folder.filePath(name)));
-            if (!parsed || !parsed->root.dictionary())
-                continue;
-            if (auto domain = PFMDomain::make(*parsed->root.dictionary()))
-                read.append(domain);
-        }
-        return read;
-    }();
+    static const Profile::DomainList domains = bundledManifestDomains();
     return domains;
 }
 
@@ -132,6 +122,16 @@ protected:
         const auto opened = controller.openDocument(filePath);
         EXPECT_TRUE(opened) << (opened ? "" : opened.error().words.toStdString());
         return opened ? *opened : nullptr;
+    }
+
+    // A shown window on a copy of a fixture profile.
+    DocumentWindow* openShown(const QString& name) {
+        DocumentWindow* window = open(copyProfile(name));
+        if (window) {
+            window->show();
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
+        }
+        return window;
     }
 
     UserDefaults defaults{path(QStringLiteral("defaults.plist"))};

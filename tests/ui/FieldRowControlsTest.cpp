@@ -1,13 +1,16 @@
-// The rows of a form as a user handles them: a right click inside any
-// control offers the row's own menu, a check box's title is its label, the
-// keyboard reaches a row's information, and the signing row's menu and
-// pop-up follow the profile and the user's default.
+// The rows of a form as a user handles them: each simple control writes what
+// is entered through the history, a right click inside any control offers the
+// row's own menu, a check box's title is its label, the keyboard reaches a
+// row's information, and the signing row's menu and pop-up follow the profile
+// and the user's default.
 
 #include "documents/ProfileSigningBridge.h"
 #include "documents/SigningFixture.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
+#include "support/DataManifests.h"
 #include "ui/ContentView.h"
+#include "ui/DateInstrumentWidget.h"
 #include "ui/FieldRowView.h"
 #include "ui/PayloadFormView.h"
 #include "ui/PropertyInfoPopover.h"
@@ -42,41 +45,11 @@ namespace {
 using namespace test;
 using MenuAction = FieldViewController::MenuAction;
 
-plist::Dictionary key(const QString& name, const QString& type, plist::Dictionary extra = {}) {
-    extra.insert(QStringLiteral("pfm_name"), name);
-    extra.insert(QStringLiteral("pfm_title"), name + QStringLiteral(" Title"));
-    extra.insert(QStringLiteral("pfm_type"), type);
-    return extra;
-}
-
-std::shared_ptr<const PFMDomain> controlsDomain() {
-    const plist::Array keys{
-        key(QStringLiteral("Count"), QStringLiteral("integer")),
-        key(QStringLiteral("Name"), QStringLiteral("string"),
-            {{QStringLiteral("pfm_quorlin_documentation_url"), QStringLiteral("https://example.com/name")}}),
-        key(QStringLiteral("Notes"), QStringLiteral("string"),
-            {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("text")}}),
-        key(QStringLiteral("Colour"), QStringLiteral("string"),
-            {{QStringLiteral("pfm_range_list"),
-              plist::Array{QStringLiteral("red"), QStringLiteral("green")}}}),
-        key(QStringLiteral("Server"), QStringLiteral("string"),
-            {{QStringLiteral("pfm_quorlin_suggestions"),
-              plist::Array{QStringLiteral("a.example"), QStringLiteral("b.example")}}}),
-        key(QStringLiteral("When"), QStringLiteral("date")),
-        key(QStringLiteral("Enabled"), QStringLiteral("boolean")),
-    };
-    return PFMDomain::make({{QStringLiteral("pfm_domain"), QStringLiteral("com.example.controls")},
-                            {QStringLiteral("pfm_title"), QStringLiteral("Controls")},
-                            {QStringLiteral("pfm_description"), QStringLiteral("Every simple control")},
-                            {QStringLiteral("pfm_format_version"), 1},
-                            {QStringLiteral("pfm_subkeys"), keys}});
-}
-
 // One payload of the controls domain in a shown form, edits going to a history.
 class ControlsForm : public ::testing::Test {
 protected:
     void SetUp() override {
-        const auto domains = withGeneralDomain({controlsDomain()});
+        const auto domains = withGeneralDomain({dataDomain(QStringLiteral("ui/controls.plist"))});
         profile = Profile::makeNewProfile(domains, makeTestEnvironment());
         collection = std::make_unique<PFMSectionCollection>(domains);
         PFMSection* section = sectionTitled(*collection, QStringLiteral("Controls"));
@@ -115,42 +88,92 @@ QMenu* rightClick(QWidget* target) {
     return qobject_cast<QMenu*>(QApplication::activePopupWidget());
 }
 
+// Each simple control: its widget, an edit as a user makes it and what that
+// stores, and whether Qt's own edit items follow the row's in its menu.
 struct ControlCase {
     QString keyName;
+    const char* widgetClass;
     std::function<void(QWidget&)> edit;
-    // Qt's own edit items follow the row's.
+    plist::Value expected;
     bool hasEditItems;
 };
 
-TEST_F(ControlsForm, ARightClickInEachControlOffersTheRowsMenuWhoseUnsetIsOneUndoableStep) {
-    const std::vector<ControlCase> cases{
-        {QStringLiteral("Count"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("12")); },
-         true},
-        {QStringLiteral("Name"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("Alpha")); },
-         true},
-        {QStringLiteral("Notes"), [](QWidget& widget) { QTest::keyClicks(&widget, QStringLiteral("one")); },
-         true},
-        {QStringLiteral("Colour"),
+std::vector<ControlCase> controlCases() {
+    const auto typing = [](const QString& text) {
+        return [text](QWidget& widget) { QTest::keyClicks(&widget, text); };
+    };
+    const QDateTime when(QDate(2024, 5, 17), QTime(9, 30), Qt::UTC);
+    return {
+        {QStringLiteral("Count"), "quorlin::NumberInstrumentWidget", typing(QStringLiteral("1x2")),
+         plist::Value(qint64(12)), true},
+        {QStringLiteral("Ratio"), "quorlin::NumberInstrumentWidget", typing(QStringLiteral("-1.5")),
+         plist::Value(-1.5), true},
+        {QStringLiteral("Name"), "quorlin::StringInstrumentWidget", typing(QStringLiteral("Alpha")),
+         plist::Value(QStringLiteral("Alpha")), true},
+        {QStringLiteral("Notes"), "quorlin::TextInstrumentWidget", typing(QStringLiteral("one")),
+         plist::Value(QStringLiteral("one")), true},
+        {QStringLiteral("Colour"), "quorlin::PopUpInstrumentWidget",
          [](QWidget& widget) {
              auto& popUp = static_cast<QComboBox&>(widget);
              popUp.setCurrentIndex(popUp.findText(QStringLiteral("green")));
              Q_EMIT popUp.activated(popUp.currentIndex());
          },
-         false},
-        {QStringLiteral("Server"),
+         plist::Value(QStringLiteral("green")), false},
+        {QStringLiteral("Server"), "quorlin::ComboBoxInstrumentWidget",
          [](QWidget& widget) {
-             QTest::keyClicks(static_cast<QComboBox&>(widget).lineEdit(), QStringLiteral("c"));
+             auto& combo = static_cast<QComboBox&>(widget);
+             EXPECT_EQ(combo.count(), 2);
+             combo.setCurrentIndex(1);
+             Q_EMIT combo.textActivated(combo.currentText());
          },
-         true},
-        {QStringLiteral("When"),
+         plist::Value(QStringLiteral("b.example")), true},
+        {QStringLiteral("Server"), "quorlin::ComboBoxInstrumentWidget",
          [](QWidget& widget) {
-             static_cast<QDateTimeEdit&>(widget).setDateTime(QDateTime(QDate(2024, 5, 17), QTime(9, 30)));
+             QTest::keyClicks(static_cast<QComboBox&>(widget).lineEdit(), QStringLiteral("c.example"));
          },
-         true},
-        {QStringLiteral("Enabled"), [](QWidget& widget) { QTest::mouseClick(&widget, Qt::LeftButton); },
-         false},
+         plist::Value(QStringLiteral("c.example")), true},
+        {QStringLiteral("When"), "quorlin::DateInstrumentWidget",
+         [when](QWidget& widget) { static_cast<QDateTimeEdit&>(widget).setDateTime(when.toLocalTime()); },
+         plist::Value(plist::Date::fromDateTime(when)), true},
+        {QStringLiteral("Enabled"), "quorlin::BooleanInstrumentWidget",
+         [](QWidget& widget) { QTest::mouseClick(&widget, Qt::LeftButton); }, plist::Value(true), false},
     };
-    for (const ControlCase& test : cases) {
+}
+
+TEST_F(ControlsForm, EachWritesWhatIsEnteredThroughTheHistoryAndUndoEmptiesIt) {
+    for (const ControlCase& test : controlCases()) {
+        SCOPED_TRACE(test.keyName.toStdString());
+        FieldRowView* field = row(test.keyName);
+        ASSERT_NE(field, nullptr);
+        ASSERT_EQ(field->instrumentWidgets().size(), 1);
+        QWidget& widget = *field->instrumentWidgets().first();
+        EXPECT_STREQ(widget.metaObject()->className(), test.widgetClass);
+        EXPECT_EQ(widget.accessibleName(), test.keyName + QStringLiteral(" Title"));
+        const PreferenceKey::Pointer stored = field->field().field();
+        ASSERT_TRUE(stored->value().isAbsent());
+
+        test.edit(widget);
+        ASSERT_NE(stored->value().plistValue(), nullptr);
+        EXPECT_EQ(*stored->value().plistValue(), test.expected);
+
+        history.undoStack().undo();
+        EXPECT_TRUE(stored->value().isAbsent());
+        if (auto* line = qobject_cast<QLineEdit*>(&widget)) {
+            EXPECT_TRUE(line->text().isEmpty());
+        } else if (auto* text = qobject_cast<QPlainTextEdit*>(&widget)) {
+            EXPECT_TRUE(text->toPlainText().isEmpty());
+        } else if (auto* check = qobject_cast<QCheckBox*>(&widget)) {
+            EXPECT_FALSE(check->isChecked());
+        } else if (auto* date = qobject_cast<QDateTimeEdit*>(&widget)) {
+            EXPECT_EQ(date->dateTime(), DateInstrumentWidget::emptyDateTime());
+        } else if (auto* combo = qobject_cast<QComboBox*>(&widget)) {
+            EXPECT_TRUE(combo->currentText().isEmpty());
+        }
+    }
+}
+
+TEST_F(ControlsForm, ARightClickInEachControlOffersTheRowsMenuWhoseUnsetIsOneUndoableStep) {
+    for (const ControlCase& test : controlCases()) {
         SCOPED_TRACE(test.keyName.toStdString());
         FieldRowView* field = row(test.keyName);
         ASSERT_NE(field, nullptr);
@@ -272,11 +295,9 @@ TEST_F(ControlsForm, EveryControlKeepsItsWholeHeightWhenTheFontDoubles) {
     view.setFont(large);
     view.resize(1600, 1200);
     QApplication::processEvents();
-    for (const QString& name :
-         {QStringLiteral("Count"), QStringLiteral("Name"), QStringLiteral("Notes"), QStringLiteral("Colour"),
-          QStringLiteral("Server"), QStringLiteral("When"), QStringLiteral("Enabled")}) {
-        SCOPED_TRACE(name.toStdString());
-        QWidget* control = row(name)->instrumentWidgets().first();
+    for (const ControlCase& test : controlCases()) {
+        SCOPED_TRACE(test.keyName.toStdString());
+        QWidget* control = row(test.keyName)->instrumentWidgets().first();
         control->ensurePolished();
         EXPECT_EQ(control->font().pointSizeF(), large.pointSizeF());
         EXPECT_GE(control->height(), control->sizeHint().height());

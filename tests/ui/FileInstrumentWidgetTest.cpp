@@ -1,5 +1,6 @@
 #include "../apptools/ProgramFiles.h"
 #include "InstrumentWidgetFixture.h"
+#include "support/DataManifests.h"
 
 #include "fields/CustomPlistInstrumentController.h"
 #include "fields/DataInstrumentController.h"
@@ -26,33 +27,11 @@ using namespace test;
 
 const QString filesDomain = QStringLiteral("com.example.files");
 
-plist::Dictionary keyDescription(const QString& name, const QString& type, plist::Dictionary extra = {}) {
-    extra.insert(QStringLiteral("pfm_name"), name);
-    extra.insert(QStringLiteral("pfm_title"), name);
-    extra.insert(QStringLiteral("pfm_type"), type);
-    return extra;
-}
-
-// An app's identifier, and a certificate that must be a ".cer" starting with a DER sequence, an
-// image, and a free-form dictionary.
-std::shared_ptr<const PFMDomain> filesDomainWithKeys() {
-    const plist::Dictionary certificate = keyDescription(
-        QStringLiteral("Certificate"), QStringLiteral("data"),
-        {{QStringLiteral("pfm_quorlin_allowed_file_extensions"), plist::Array{QStringLiteral("cer")}},
-         {QStringLiteral("pfm_quorlin_allowed_data_signatures"), plist::Array{QByteArray("\x30\x82", 2)}}});
-    const plist::Dictionary icon =
-        keyDescription(QStringLiteral("Icon"), QStringLiteral("data"),
-                       {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("image")}});
-    const plist::Dictionary extra = keyDescription(QStringLiteral("Extra"), QStringLiteral("dictionary"));
-    const plist::Dictionary app =
-        keyDescription(QStringLiteral("App"), QStringLiteral("string"),
-                       {{QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id")}});
-    return domainWithKeys(plist::Array{certificate, icon, extra, app}, filesDomain);
-}
-
 class FileInstrumentWidgetTest : public InstrumentWidgetFixture {
 protected:
-    void SetUp() override { open({filesDomainWithKeys()}); }
+    // A certificate that must be a ".cer" starting with a DER sequence, an image, a free-form
+    // dictionary and an app's identifier.
+    void SetUp() override { open({dataDomain(QStringLiteral("ui/files.plist"))}); }
 
     FileInstrumentWidget& showField(const QString& key) {
         FieldViewController* row = field(filesDomain, key);

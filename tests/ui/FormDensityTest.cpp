@@ -30,9 +30,8 @@ protected:
 };
 
 TEST_F(FormDensity, CompactFoldsDescriptionsUntilClickedAndIsRememberedForNewWindows) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
     FieldRowView* row = describedRow(*window);
     ASSERT_TRUE(row && !row->descriptionLabel()->text().isEmpty());
     EXPECT_TRUE(densityChoice(*window, QStringLiteral("comfortable"))->isChecked());

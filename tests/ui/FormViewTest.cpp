@@ -382,16 +382,8 @@ TEST(ContentView, FollowsTheSectionFromNotEnabledToItsFormAndBack) {
 
 TEST(ContentView, TheNoticeOfUnfamiliarKeysNamesThemAndRemovesThem) {
     Window window(withGeneralDomain({}));
-    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>PayloadType</key><string>Configuration</string>
-<key>PayloadVersion</key><integer>1</integer>
-<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
-<key>PayloadIdentifier</key><string>com.example.profile</string>
-<key>PayloadDisplayName</key><string>Profile</string>
-<key>MysteryKey</key><string>kept</string>
-<key>PayloadContent</key><array/>
-</dict></plist>)";
+    const QByteArray profileData =
+        readFile(testDataPath(QStringLiteral("ui/unfamiliar-root-key.mobileconfig")));
     const auto parsed = Profile::parseProfile(profileData, withGeneralDomain({}), makeTestEnvironment());
     ASSERT_TRUE(parsed);
     window.profile = *parsed;
@@ -416,19 +408,8 @@ TEST(ContentView, TheNoticeOfUnfamiliarKeysNamesThemAndRemovesThem) {
 
 TEST(ContentView, AnUnfamiliarSectionShowsItsPayloadsKeysAndValuesInItsRawEditor) {
     const auto domains = withGeneralDomain({});
-    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>PayloadType</key><string>Configuration</string>
-<key>PayloadVersion</key><integer>1</integer>
-<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
-<key>PayloadIdentifier</key><string>com.example.profile</string>
-<key>PayloadDisplayName</key><string>Profile</string>
-<key>PayloadContent</key><array>
-<dict><key>PayloadType</key><string>com.example.unknown</string><key>PayloadUUID</key><string>A</string>
-<key>Secret</key><string>forty-two</string></dict>
-<dict><key>PayloadType</key><string>com.example.other</string><key>PayloadUUID</key><string>B</string>
-<key>Elsewhere</key><string>not shown</string></dict>
-</array></dict></plist>)";
+    const QByteArray profileData =
+        readFile(testDataPath(QStringLiteral("ui/two-unfamiliar-payloads.mobileconfig")));
     const auto profile = Profile::parseProfile(profileData, domains, makeTestEnvironment());
     ASSERT_TRUE(profile);
     const auto section = PFMSection::makeUnfamiliar((*profile)->unfamiliarPayloads().first());

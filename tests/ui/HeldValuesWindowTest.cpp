@@ -27,10 +27,8 @@ using namespace test;
 class HeldValuesWindowTest : public EditorFixture {};
 
 TEST_F(HeldValuesWindowTest, RowsShowHeldValuesAndRemovingThemIsUndoable) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock-held.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock-held.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
     PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
     ASSERT_TRUE(dock);
     window->selectSection(dock);

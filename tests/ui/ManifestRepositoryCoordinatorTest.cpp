@@ -43,19 +43,6 @@ protected:
         m_coordinator->setNoticePresenter(&m_notices);
         m_coordinator->setProcessRestarter(&m_restarter);
     }
-    template <typename Widget>
-    static Widget* child(QWidget* parent, const QString& name) {
-        auto* widget = parent->findChild<Widget*>(name);
-        EXPECT_TRUE(widget) << name.toStdString();
-        return widget;
-    }
-    // A radio button answers a mouse only on its label, so the button is clicked as a key press would.
-    static void click(QWidget* parent, const QString& name) { child<QAbstractButton>(parent, name)->click(); }
-    static void type(QWidget* parent, const QString& name, const QString& text) {
-        auto* edit = child<QLineEdit>(parent, name);
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-    }
 
     std::unique_ptr<PFMDomainManager> m_manager;
     std::unique_ptr<ProfileDocumentShelf> m_documents;

@@ -25,9 +25,8 @@ class RawEditor : public EditorFixture {
 protected:
     void SetUp() override {
         EditorFixture::SetUp();
-        window = open(copyProfile(QStringLiteral("unfamiliar-payload.mobileconfig")));
+        window = openShown(QStringLiteral("unfamiliar-payload.mobileconfig"));
         ASSERT_TRUE(window);
-        window->show();
         for (PFMSection* section : window->sections().arrangedObjects()) {
             if (section->sectionKind() == PFMSection::Kinds::unfamiliar)
                 window->selectSection(section);
@@ -100,9 +99,8 @@ TEST_F(RawEditor, EditsValuesKeysAndTypesAsUndoableStepsAndTheTreeFollows) {
 class RawEditorOfManifests : public EditorFixture {};
 
 TEST_F(RawEditorOfManifests, ShowAsPropertyListEditsInStepWithTheForm) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
     PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
     window->selectSection(dock);
     window->showAsPropertyListAction()->trigger();

@@ -14,7 +14,10 @@
 #include "ui/DocumentReloader.h"
 #include "ui/NoticePresenter.h"
 
+#include <QAbstractButton>
+#include <QLineEdit>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -143,6 +146,24 @@ protected:
         return std::make_unique<PFMDomainManager>(m_defaults, m_resources);
     }
     QString indexPath() const { return QStringLiteral("/owner/repo/master/Manifests/index"); }
+
+    template <typename Widget>
+    static Widget* child(QWidget* parent, const QString& name) {
+        auto* widget = parent->findChild<Widget*>(name);
+        EXPECT_TRUE(widget) << name.toStdString();
+        return widget;
+    }
+    // A radio button answers a mouse only on its label, so the button is clicked as a key press would.
+    static void click(QWidget* parent, const QString& name) {
+        if (auto* button = child<QAbstractButton>(parent, name))
+            button->click();
+    }
+    static void type(QWidget* parent, const QString& name, const QString& text) {
+        if (auto* edit = child<QLineEdit>(parent, name)) {
+            edit->selectAll();
+            QTest::keyClicks(edit, text);
+        }
+    }
 
     IsolatedHome m_home;
     QTemporaryDir m_folder;

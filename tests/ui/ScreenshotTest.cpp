@@ -34,9 +34,8 @@ protected:
 };
 
 TEST_F(Screenshots, WindowAtTwoSizesAndScales) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
     PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
     ASSERT_TRUE(dock && dock->sectionViewController());
     const auto& form = *dock->sectionViewController()->payloadControllers().front();

@@ -1,5 +1,6 @@
 #include "ui/SectionListView.h"
 #include "plist/UserDefaults.h"
+#include "support/DataManifests.h"
 #include "ui/PlatformFilterButtons.h"
 #include "ui/SectionListModel.h"
 #include "ui/SectionSearchField.h"
@@ -25,14 +26,7 @@ using namespace test;
 class SectionListViewTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_relay = PFMDomain::make(
-            manifestTree(QStringLiteral("com.example.relay"),
-                         {keyTree(QStringLiteral("ServerName"), QStringLiteral("string"),
-                                  {{QStringLiteral("pfm_require"), QStringLiteral("always")}}),
-                          keyTree(QStringLiteral("Port"), QStringLiteral("integer"),
-                                  {{QStringLiteral("pfm_range_max"), 100}})},
-                         {{QStringLiteral("pfm_title"), QStringLiteral("Relay")},
-                          {QStringLiteral("pfm_quorlin_category"), QStringLiteral("system")}}));
+        m_relay = dataDomain(QStringLiteral("ui/relay.plist"));
         ASSERT_TRUE(m_relay);
         m_domains = fixtureDomains();
         m_domains.append(m_relay);

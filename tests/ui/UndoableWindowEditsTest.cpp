@@ -25,14 +25,6 @@ using namespace test;
 
 class UndoableWindowEditsTest : public EditorFixture {
 protected:
-    DocumentWindow* openShown(const QString& name) {
-        DocumentWindow* window = open(copyProfile(name));
-        if (window) {
-            window->show();
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
-        }
-        return window;
-    }
     static QByteArray bytesOf(DocumentWindow& window) { return profileBytes(*window.document().profile()); }
     static PFMSection* unfamiliarSection(DocumentWindow& window) {
         for (PFMSection* section : window.sections().content()) {

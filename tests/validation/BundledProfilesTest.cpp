@@ -4,11 +4,11 @@
 #include "plist/UserDefaults.h"
 #include "plist/XmlWriter.h"
 #include "schema/PFMDomain.h"
+#include "support/DataManifests.h"
 #include "support/TestSupport.h"
 #include "validation/ProfileValidation.h"
 #include "validation/ValidationSettings.h"
 
-#include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -21,20 +21,9 @@ using plist::Array;
 using plist::Dictionary;
 using plist::Value;
 
-const QString bundledFolder = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests");
-
 Dictionary readDictionary(const QByteArray& bytes) {
     const auto read = plist::PlistReader::read(bytes);
     return read && read->root.dictionary() ? *read->root.dictionary() : Dictionary();
-}
-
-Profile::DomainList bundledDomains() {
-    Profile::DomainList domains;
-    for (const QString& name : QDir(bundledFolder).entryList({"*.plist"}, QDir::Files)) {
-        if (auto domain = PFMDomain::make(readDictionary(test::readFile(QDir(bundledFolder).filePath(name)))))
-            domains.append(std::move(domain));
-    }
-    return domains;
 }
 
 bool matchesExactlyOnce(const QString& format, const QString& candidate) {
@@ -170,7 +159,7 @@ Dictionary& payloadDictionary(Dictionary& root) {
 }
 
 TEST(BundledProfiles, APayloadOfEachDomainWithItsRequiredKeysFilledIsValidAndReadsBackEqual) {
-    const Profile::DomainList domains = bundledDomains();
+    const Profile::DomainList domains = test::bundledManifestDomains();
     ASSERT_GE(domains.size(), 35);
     const auto environment = ProfileEnvironment::makeSystem();
     for (const auto& domain : domains) {

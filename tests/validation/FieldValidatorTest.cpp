@@ -2,6 +2,7 @@
 // it tells its delegate.
 
 #include "ValidationTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "plist/UserDefaults.h"
 
@@ -29,13 +30,7 @@ protected:
         ASSERT_TRUE(folder.isValid());
         defaults = std::make_unique<UserDefaults>(folder.filePath("defaults.plist"));
         settings = std::make_shared<ValidationSettings>(*defaults);
-        const plist::Dictionary iOSFrom13{{"iOS", plist::Dictionary{{"pfmx_introduced", "13.0"}}}};
-        payload = payloadWith(
-            plist::Array{
-                keyTree("Name", "string", {{"pfm_range_max", 3}, {"pfmx_supported_oses", iOSFrom13}}),
-                keyTree("List", "array",
-                        {{"pfm_range_max", 1}, {"pfm_subkeys", plist::Array{itemTree("string")}}})},
-            {{"Name", "abc"}});
+        payload = dataPayload("validation/field-validator.plist", {{"Name", "abc"}});
     }
     std::shared_ptr<FieldValidator> validatorFor(const QString& path) {
         auto validator = FieldValidator::make(payload->keyAtPath(path));

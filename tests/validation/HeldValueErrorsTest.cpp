@@ -2,6 +2,7 @@
 // check counts each of them.
 
 #include "ValidationTestSupport.h"
+#include "support/DataManifests.h"
 
 #include "validation/ProfileValidation.h"
 
@@ -12,24 +13,14 @@ const QString keptUntilSetOrRemoved = QStringLiteral("; it is kept as it is unti
 const QString keptUntilRemoved = QStringLiteral("; it is kept as it is until you remove it.");
 
 Payload::Pointer heldPayload() {
-    const plist::Dictionary whenOff{
-        {"pfm_target_conditions",
-         plist::Array{plist::Dictionary{{"pfm_target", "Enable"}, {"pfm_range_list", plist::Array{false}}},
-                      plist::Dictionary{{"pfm_target", "Mode"}, {"pfm_present", true}}}}};
-    return payloadWith(
-        plist::Array{
-            keyTree("Enable", "boolean"), keyTree("Mode", "string"),
-            keyTree("Server", "string", {{"pfm_exclude", plist::Array{whenOff}}}), keyTree("Port", "integer"),
-            withSubkeys(keyTree("Options", "dictionary"), plist::Array{keyTree("Level", "integer")}),
-            withSubkeys(keyTree("Hosts", "array"), plist::Array{itemTree("string")}),
-            withSubkeys(keyTree("Mixed", "array"), plist::Array{itemTree("string"), itemTree("boolean")})},
-        {{"Enable", false},
-         {"Mode", "fast"},
-         {"Server", "s.example"},
-         {"Port", "80"},
-         {"Options", plist::Dictionary{{"Level", 2}, {"Vendor", true}}},
-         {"Hosts", plist::Array{"a", 2, plist::Dictionary{}}},
-         {"Mixed", plist::Array{"a", plist::Array{}}}});
+    return dataPayload("validation/held-values.plist",
+                       {{"Enable", false},
+                        {"Mode", "fast"},
+                        {"Server", "s.example"},
+                        {"Port", "80"},
+                        {"Options", plist::Dictionary{{"Level", 2}, {"Vendor", true}}},
+                        {"Hosts", plist::Array{"a", 2, plist::Dictionary{}}},
+                        {"Mixed", plist::Array{"a", plist::Array{}}}});
 }
 
 TEST(HeldValueErrorsTest, EachHeldValueSaysWhatIsWrongAndThatItIsKept) {

@@ -1,4 +1,4 @@
-// The window's targets: defaults, the remembered choice, reset and the delegate.
+// The window's targets: the remembered choice, reset and the delegate.
 
 #include "validation/ValidationSettings.h"
 
@@ -34,19 +34,6 @@ protected:
     QTemporaryDir folder;
     std::unique_ptr<UserDefaults> defaults;
 };
-
-TEST_F(ValidationSettingsTest, WithoutAStoredChoiceNothingIsTargeted) {
-    const ValidationSettings settings(*defaults);
-    EXPECT_FALSE(settings.targetingAnyPlatform());
-    for (const Model model : PFMSupportedPlatforms::allModels) {
-        EXPECT_FALSE(settings.targeting(model));
-        EXPECT_TRUE(settings.minimumVersion(model).isEmpty());
-        EXPECT_TRUE(settings.maximumVersion(model).isEmpty());
-    }
-    EXPECT_TRUE(settings.deprecationInvalidates());
-    EXPECT_FALSE(settings.supervisionInvalidates());
-    EXPECT_EQ(settings.persistedDictionary().size(), 14);
-}
 
 TEST_F(ValidationSettingsTest, EveryChangeIsStoredAndReadByTheNextWindow) {
     ValidationSettings first(*defaults);
