@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include "SchemaTrees.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -66,18 +67,8 @@ TEST(DomainRequiredFields, KeyListMayComeOutEmpty) {
 }
 
 TEST(DomainFields, AreReadFromValuesOfTheirType) {
-    const QByteArray icon("\x89PNG\r\n", 6);
-    const auto domain = domainWith({{"pfm_description", "Line one\\nstill line one"},
-                                    {"pfm_version", 7},
-                                    {"pfm_targets", Array{"system", "user"}},
-                                    {"pfm_quorlin_sort_priority", 12.8},
-                                    {"pfm_quorlin_single_payload", true},
-                                    {"pfm_require", "always"},
-                                    {"pfm_quorlin_icon", icon},
-                                    {"pfm_quorlin_icon_is_template", 1},
-                                    {"pfm_quorlin_supervision_required", true},
-                                    {"pfm_quorlin_documentation_url", "https://example.org/payload"},
-                                    {"pfm_quorlin_note", "Needs a restart"}});
+    const auto domain =
+        domainWith(test::dataDictionary(QStringLiteral("schema/trees.plist"), "domain fields"));
     ASSERT_TRUE(domain);
     EXPECT_EQ(domain->descriptionline(), QStringLiteral("Line one\\nstill line one"));
     EXPECT_EQ(domain->version(), 7);
@@ -85,7 +76,7 @@ TEST(DomainFields, AreReadFromValuesOfTheirType) {
     EXPECT_EQ(domain->sortPriority(), 12u);
     EXPECT_TRUE(domain->singlePayload());
     EXPECT_TRUE(domain->required());
-    EXPECT_EQ(domain->icon(), icon);
+    EXPECT_EQ(domain->icon(), QByteArray("\x89PNG\r\n", 6));
     EXPECT_TRUE(domain->iconIsTemplate());
     EXPECT_TRUE(domain->requiresSupervision());
     EXPECT_EQ(domain->documentationURL(), QUrl(QStringLiteral("https://example.org/payload")));
@@ -93,18 +84,8 @@ TEST(DomainFields, AreReadFromValuesOfTheirType) {
 }
 
 TEST(DomainFields, OfTheWrongTypeCountAsAbsent) {
-    const auto domain = domainWith({{"pfm_version", "7"},
-                                    {"pfm_targets", "system"},
-                                    {"pfm_quorlin_sort_priority", "1"},
-                                    {"pfm_quorlin_single_payload", "yes"},
-                                    {"pfm_require", true},
-                                    {"pfm_quorlin_icon", "icon.png"},
-                                    {"pfm_quorlin_icon_is_template", true},
-                                    {"pfm_quorlin_category", 3},
-                                    {"pfm_quorlin_supervision_required", 1},
-                                    {"pfm_quorlin_documentation_url", Array{}},
-                                    {"pfm_quorlin_note", 5},
-                                    {"pfm_quorlin_groups", Array{}}});
+    const auto domain = domainWith(
+        test::dataDictionary(QStringLiteral("schema/trees.plist"), "domain fields of the wrong type"));
     ASSERT_TRUE(domain);
     EXPECT_FALSE(domain->version());
     EXPECT_FALSE(domain->targets());

@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include "SchemaTrees.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,10 @@ namespace {
 std::shared_ptr<const PFMKeyPrototype> parseKey(const Dictionary& dictionary,
                                                 bool allowsMissingName = false) {
     return PFMKeyPrototype::make(dictionary, allowsMissingName);
+}
+
+std::shared_ptr<const PFMKeyPrototype> parseFixture(const QString& name) {
+    return parseKey(test::dataDictionary(QStringLiteral("schema/trees.plist"), name));
 }
 
 } // namespace
@@ -61,34 +66,7 @@ TEST(KeyPrototypeNames, AreMandatoryUnlessTheCallerAllowsItems) {
 
 TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
     const QByteArray signature("\x89PNG", 4);
-    const auto key =
-        parseKey(keyTree("Certificate", "data",
-                         {{"pfm_title", "Certificate File"},
-                          {"pfm_description", "The certificate to install"},
-                          {"pfm_format", "^[A-Z]+$"},
-                          {"pfm_range_min", 1},
-                          {"pfm_range_max", 4096},
-                          {"pfm_range_list", Array{QByteArray("a"), QByteArray("b")}},
-                          {"pfm_quorlin_suggestions", Array{"one", "two"}},
-                          {"pfm_require", "always"},
-                          {"pfm_default", QByteArray("abc")},
-                          {"pfm_quorlin_user_visible", false},
-                          {"pfm_quorlin_user_editable", false},
-                          {"pfm_quorlin_sorting_index", 12},
-                          {"pfm_quorlin_default_generate", "uuid"},
-                          {"pfm_quorlin_ghost_key", true},
-                          {"pfm_quorlin_pretty_range_list", Dictionary{{"a", "Letter A"}}},
-                          {"pfm_quorlin_value_placeholder", "Choose a file"},
-                          {"pfm_quorlin_indentation_level", 2},
-                          {"pfm_quorlin_control_type", "file"},
-                          {"pfm_quorlin_type_adapter", "data-to-hex-string"},
-                          {"pfm_quorlin_supervision_required", true},
-                          {"pfm_quorlin_documentation_url", "https://example.org/certificates#install"},
-                          {"pfm_repetition_min", 1},
-                          {"pfm_repetition_max", 3},
-                          {"pfm_quorlin_allowed_file_extensions", Array{"cer", "pem"}},
-                          {"pfm_quorlin_allowed_data_signatures", Array{signature}},
-                          {"pfm_quorlin_note", "Shown in the information panel"}}));
+    const auto key = parseFixture(QStringLiteral("key with every field"));
     ASSERT_TRUE(key);
     EXPECT_EQ(key->title(), QStringLiteral("Certificate File"));
     EXPECT_EQ(key->descriptionLine(), QStringLiteral("The certificate to install"));
@@ -119,36 +97,7 @@ TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
 }
 
 TEST(KeyPrototypeFields, OfTheWrongTypeCountAsAbsentAndKeepTheKey) {
-    const auto key = parseKey(keyTree("Server", "string",
-                                      {{"pfm_title", 5},
-                                       {"pfm_description", Array{}},
-                                       {"pfm_format", true},
-                                       {"pfm_range_min", "1"},
-                                       {"pfm_range_max", Dictionary{}},
-                                       {"pfm_range_list", "a"},
-                                       {"pfm_quorlin_suggestions", Dictionary{}},
-                                       {"pfm_conditionals", Dictionary{}},
-                                       {"pfm_exclude", "x"},
-                                       {"pfm_require", true},
-                                       {"pfm_default", 3},
-                                       {"pfm_quorlin_user_visible", "false"},
-                                       {"pfm_quorlin_user_editable", 0},
-                                       {"pfm_quorlin_sorting_index", "1"},
-                                       {"pfm_quorlin_default_generate", 1},
-                                       {"pfm_quorlin_ghost_key", 1},
-                                       {"pfm_quorlin_pretty_range_list", Array{}},
-                                       {"pfm_quorlin_value_placeholder", 1},
-                                       {"pfm_quorlin_indentation_level", 2.0},
-                                       {"pfm_quorlin_control_type", Array{}},
-                                       {"pfmx_supported_oses", Array{}},
-                                       {"pfm_quorlin_platforms", "ios"},
-                                       {"pfm_quorlin_ios_introduction", 13},
-                                       {"pfm_quorlin_supervision_required", "yes"},
-                                       {"pfm_quorlin_documentation_url", 1},
-                                       {"pfm_repetition_min", 1.0},
-                                       {"pfm_repetition_max", "3"},
-                                       {"pfm_subkeys", Dictionary{}},
-                                       {"pfm_quorlin_note", false}}));
+    const auto key = parseFixture(QStringLiteral("key with every field of the wrong type"));
     ASSERT_TRUE(key);
     EXPECT_EQ(key->title(), QStringLiteral("Server"));
     EXPECT_EQ(key->descriptionLine(), QString());
