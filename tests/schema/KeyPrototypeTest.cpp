@@ -146,39 +146,18 @@ TEST(KeyPrototypeFields, DescriptionTurnsEveryBackslashNIntoALineBreak) {
     EXPECT_EQ(key->descriptionLine(), QStringLiteral("First line\nSecond line\nThird \\\n"));
 }
 
+// A number serves a boolean and an integer alike; nothing else crosses classes.
 TEST(KeyPrototypeFields, DefaultMustBeOfThePlistClassOfTheKind) {
-    struct Case {
-        const char* type;
-        Value value;
-        bool kept;
-    };
-    const std::vector<Case> cases{
-        {"boolean", true, true},
-        {"boolean", 1, true}, // a number all the same
-        {"boolean", "true", false},
-        {"integer", 5, true},
-        {"integer", 5.5, true},
-        {"integer", "5", false},
-        {"real", 0.25, true},
-        {"real", Array{}, false},
-        {"string", "text", true},
-        {"string", 1, false},
-        {"data", QByteArray("xyz"), true},
-        {"data", "xyz", false},
-        {"date", plist::Date{1000}, true},
-        {"date", "2020-01-01T00:00:00Z", false},
-        {"array", Array{1, 2}, true},
-        {"array", Dictionary{}, false},
-        {"dictionary", Dictionary{{"a", 1}}, true},
-        {"dictionary", Array{}, false},
-    };
-    for (const Case& c : cases) {
-        const auto key = parseKey(keyTree("Key", c.type, {{"pfm_default", c.value}}));
-        ASSERT_TRUE(key) << c.type;
-        EXPECT_EQ(key->defaultValue().has_value(), c.kept)
-            << c.type << " " << c.value.debugDescription().toStdString();
-        if (c.kept) {
-            EXPECT_EQ(*key->defaultValue(), c.value);
+    for (Dictionary c : test::dataCases(QStringLiteral("schema/key-defaults.plist"))) {
+        const Value value = c.value("pfm_default");
+        const bool kept = c.boolean("kept").value_or(false);
+        SCOPED_TRACE(c.string("pfm_type")->toStdString() + " " + value.debugDescription().toStdString());
+        c.insert("pfm_name", "Key");
+        const auto key = parseKey(c);
+        ASSERT_TRUE(key);
+        EXPECT_EQ(key->defaultValue().has_value(), kept);
+        if (kept) {
+            EXPECT_EQ(*key->defaultValue(), value);
         }
     }
 }
@@ -425,26 +404,9 @@ TEST(KeyPrototypeMatchesValue, CustomDictionariesTakeAnyDictionaryAndArraysNeedA
     EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Array{}));
 }
 
+// Digits stay with the word before them.
 TEST(TitleFromKeyName, BreaksWordsAtCaseChangesAndUnderscoresButKeepsSpacedNames) {
-    const std::vector<std::pair<const char*, const char*>> cases{
-        {"allow camera use", "allow camera use"},
-        {"Allow_Camera Use", "Allow_Camera Use"},
-        {"enabled", "Enabled"},
-        {"", ""},
-        {"allowCameraUse", "Allow Camera Use"},
-        {"HTTPServerURL", "HTTP Server URL"},
-        {"isHTTPSEnabled", "Is HTTPS Enabled"},
-        {"URL", "URL"},
-        {"allow_camera", "Allow camera"},
-        {"use_VPN", "Use VPN"},
-        {"wifi_autoJoin", "Wifi auto Join"},
-        // Digits stay with the word before them.
-        {"SHA256Fingerprint", "SHA256 Fingerprint"},
-        {"port8080Enabled", "Port8080 Enabled"},
-        {"DNS64Prefix", "DNS64 Prefix"},
-        {"maxRetries3", "Max Retries3"},
-        {"use_802_1x", "Use 802 1x"},
-    };
-    for (const auto& [name, title] : cases)
-        EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(name), QString::fromUtf8(title)) << name;
+    for (const Dictionary& c : test::dataCases(QStringLiteral("schema/titles-from-key-names.plist")))
+        EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(*c.string("name")), c.string("title"))
+            << c.string("name")->toStdString();
 }
