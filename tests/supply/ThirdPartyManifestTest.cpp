@@ -152,16 +152,6 @@ TEST(ThirdPartyManifestTest, NegativePlatformsKeepWhatTheyNameAndNarrowLaterSibl
               plist::Value(stringArray({"ios", "tvos"})));
 }
 
-TEST(ThirdPartyManifestTest, ManifestPlatformsAreInheritedByTheKeys) {
-    const plist::Dictionary converted = ThirdPartyManifest::convert(
-        {{"pfm_platforms", stringArray({"macOS"})},
-         {subkeysKey,
-          keyArray({manifestKey("K", "string", {{"pfm_n_platforms", stringArray({"macos", "ios"})}})})}});
-    EXPECT_EQ(converted.value(platformsKey), plist::Value(stringArray({"macOS"})));
-    EXPECT_FALSE(converted.contains("pfm_platforms"));
-    EXPECT_EQ(test::subkeyNamed(converted, "K").value(platformsKey), plist::Value(stringArray({"macOS"})));
-}
-
 TEST(ThirdPartyManifestTest, FileTypesMixExtensionsAndUniformTypes) {
     const auto extensions = [](const plist::Array& types) {
         return ThirdPartyManifest::allowedFileExtensions(types);
@@ -227,20 +217,6 @@ TEST(ThirdPartyManifestTest, AControlShownInAGroupNestsItsGroupsAfterThatGroup) 
         {"Advanced", {"b"}, "Top"},
     };
     EXPECT_EQ(ThirdPartyManifest::resolveSegmentGroups(groups), expected);
-}
-
-TEST(ThirdPartyManifestTest, TheSegmentedKeyIsReplacedByItsGroups) {
-    const plist::Dictionary converted = ThirdPartyManifest::convert(
-        {{"pfm_unique", true},
-         {subkeysKey,
-          keyArray({manifestKey("Switch", "string",
-                                {{"pfm_segments", plist::Dictionary{{"On", stringArray({"A"})}}}}),
-                    manifestKey("A", "string")})}});
-    EXPECT_EQ(converted.value(subkeysKey), plist::Value(keyArray({manifestKey("A", "string")})));
-    EXPECT_EQ(converted.value("pfm_quorlin_groups"),
-              plist::Value(plist::Dictionary{{"On", stringArray({"A"})}}));
-    EXPECT_EQ(converted.value("pfm_quorlin_groups_order"), plist::Value(stringArray({"On"})));
-    EXPECT_EQ(converted.boolean("pfm_quorlin_single_payload"), true);
 }
 
 TEST(ThirdPartyManifestTest, HostilyDeepKeyTreesStopAtTheDepthLimit) {
