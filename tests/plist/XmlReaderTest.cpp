@@ -45,37 +45,6 @@ Date dateAt(int year, int month, int day, int hour = 0, int minute = 0, int seco
 
 } // namespace
 
-TEST(XmlReaderTest, ReadsEveryValueClass) {
-    const Value root = element(
-        "<dict>\n"
-        "\t<key>array</key>\n\t<array>\n\t\t<string>a</string>\n\t\t<integer>2</integer>\n\t</array>\n"
-        "\t<key>data</key>\n\t<data>\n\tAAEC/w==\n\t</data>\n"
-        "\t<key>date</key>\n\t<date>2024-02-01T10:06:10Z</date>\n"
-        "\t<key>dict</key>\n\t<dict>\n\t\t<key>inner</key>\n\t\t<false/>\n\t</dict>\n"
-        "\t<key>empty array</key>\n\t<array/>\n"
-        "\t<key>empty dict</key>\n\t<dict/>\n"
-        "\t<key>false</key>\n\t<false/>\n"
-        "\t<key>integer</key>\n\t<integer>-17</integer>\n"
-        "\t<key>real</key>\n\t<real>2.5</real>\n"
-        "\t<key>string</key>\n\t<string>Wi-Fi</string>\n"
-        "\t<key>true</key>\n\t<true/>\n"
-        "</dict>");
-    const Dictionary expected{
-        {QStringLiteral("array"), Array{QStringLiteral("a"), 2}},
-        {QStringLiteral("data"), QByteArray("\x00\x01\x02\xFF", 4)},
-        {QStringLiteral("date"), dateAt(2024, 2, 1, 10, 6, 10)},
-        {QStringLiteral("dict"), Dictionary{{QStringLiteral("inner"), false}}},
-        {QStringLiteral("empty array"), Array{}},
-        {QStringLiteral("empty dict"), Dictionary{}},
-        {QStringLiteral("false"), false},
-        {QStringLiteral("integer"), -17},
-        {QStringLiteral("real"), 2.5},
-        {QStringLiteral("string"), QStringLiteral("Wi-Fi")},
-        {QStringLiteral("true"), true},
-    };
-    EXPECT_EQ(root, Value(expected));
-}
-
 TEST(XmlReaderTest, RootNeedNotBeWrappedInPlist) {
     EXPECT_EQ(read("<array><integer>1</integer></array>"), Value(Array{1}));
     EXPECT_EQ(read("<?xml version=\"1.0\"?><string>bare</string>"), Value(QStringLiteral("bare")));
@@ -235,12 +204,6 @@ TEST(XmlReaderTest, RepeatedKeyKeepsTheLaterValue) {
     EXPECT_EQ(element("<dict><key>a</key><integer>1</integer><key>b</key><true/><key>a</key><integer>2</"
                       "integer></dict>"),
               Value(Dictionary{{QStringLiteral("a"), 2}, {QStringLiteral("b"), true}}));
-}
-
-TEST(XmlReaderTest, KeyedArchiverReferenceStaysADictionary) {
-    const Value value = element("<dict><key>CF$UID</key><integer>5</integer></dict>");
-    ASSERT_TRUE(value.isDictionary());
-    EXPECT_EQ(value, Value(Dictionary{{QStringLiteral("CF$UID"), 5}}));
 }
 
 TEST(XmlReaderTest, KeysMayHoldEntitiesAndCdata) {
