@@ -1,5 +1,5 @@
 #include "plist/OpenStepReader.h"
-#include "support/TestSupport.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -140,38 +140,12 @@ TEST(OpenStepStringsFile, EntriesWithoutBracesFormADictionary) {
 }
 
 TEST(OpenStepErrors, ReportTheLineOfTheFault) {
-    const struct {
-        const char* text;
-        qint64 line;
-    } cases[] = {
-        {"{\n a = b;\n c = d\n}", 4},    // missing ';' noticed at the brace
-        {"{\n a = b;\n c = d e;\n}", 3}, // missing ';'
-        {"{\n a = b;\n c d;\n}", 3},     // neither '=' nor ';' after a key
-        {"(\n a,\n @\n)", 3},            // a character that starts nothing
-        {"(a,\n,b)", 2},                 // an empty element
-        {"(,)", 1},
-        {"{\n a = ;\n}", 2}, // a missing value
-        {"{ (a) = b; }", 1}, // a key that is not a string
-        {"{ <00> = b; }", 1},
-        {"{\n a = b;\n", 3},           // unclosed dictionary
-        {"(\n a\n", 3},                // unclosed array
-        {"(a b)", 1},                  // missing comma
-        {"\n\n\"unterminated\n\n", 5}, // unclosed string, noticed at the end
-        {"<0fb>", 1},                  // odd number of digits
-        {"<0 f>", 1},                  // a pair split by space
-        {"'it''s'", 1},                // two strings in a row
-        {"\n<0g>", 2},                 // not hex
-        {"\n\n<0f", 3},                // unclosed data
-        {"{ a = b; }\n\n junk", 3},    // content after the root
-        {"( a ) ( b )", 1},
-        {"{ a = b; } }", 1},
-        {"a = b; }", 1},          // strings file with a stray brace
-        {"\n/* never closed", 2}, // unclosed comment
-        {"'a\\", 1},              // escape at the very end
-    };
-    for (const auto& c : cases) {
-        const ParseError error = errorOf(c.text);
-        EXPECT_EQ(error.line, c.line) << c.text << " -> " << error.toString().toStdString();
+    const QJsonArray cases = quorlin::test::dataJson(QStringLiteral("plist/openstep-errors.json")).toArray();
+    ASSERT_GT(cases.size(), 20);
+    for (const QJsonValue& c : cases) {
+        SCOPED_TRACE(c["fault"].toString().toStdString());
+        const ParseError error = errorOf(c["text"].toString().toUtf8());
+        EXPECT_EQ(error.line, c["line"].toInt()) << error.toString().toStdString();
         EXPECT_FALSE(error.reason.isEmpty());
     }
 }

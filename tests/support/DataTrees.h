@@ -4,6 +4,11 @@
 #include "plist/Value.h"
 #include "support/TestSupport.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonValue>
+
 #include <gtest/gtest.h>
 
 namespace quorlin::test {
@@ -42,6 +47,16 @@ inline QList<plist::Dictionary> dataCases(const QString& relative) {
     if (cases.isEmpty())
         ADD_FAILURE() << relative.toStdString() << " holds no cases";
     return cases;
+}
+
+// A JSON fixture, for the suites of the property-list readers themselves:
+// their cases mustn't be read by the code they test.
+inline QJsonValue dataJson(const QString& relative) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(readFile(testDataPath(relative)), &error);
+    if (document.isNull())
+        ADD_FAILURE() << relative.toStdString() << ": " << error.errorString().toStdString();
+    return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
 }
 
 } // namespace quorlin::test
