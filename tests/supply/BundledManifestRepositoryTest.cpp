@@ -1,6 +1,5 @@
 #include "SupplyFixtures.h"
 
-#include "schema/SchemaTrees.h"
 #include "supply/BundledManifestRepository.h"
 
 #include <QTemporaryDir>

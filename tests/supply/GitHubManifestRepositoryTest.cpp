@@ -1,4 +1,3 @@
-#include "StandardizationFixtures.h"
 #include "SupplyFixtures.h"
 
 #include "supply/GitHubManifestRepository.h"

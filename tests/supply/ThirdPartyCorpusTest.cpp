@@ -1,4 +1,4 @@
-#include "StandardizationFixtures.h"
+#include "SupplyFixtures.h"
 
 #include "schema/PFMDomain.h"
 #include "supply/DomainMerger.h"

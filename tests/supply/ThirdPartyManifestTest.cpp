@@ -1,4 +1,4 @@
-#include "StandardizationFixtures.h"
+#include "SupplyFixtures.h"
 
 #include "supply/ThirdPartyManifest.h"
 #include "supply/UniformTypeExtensions.h"
