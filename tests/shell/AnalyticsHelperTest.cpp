@@ -59,6 +59,8 @@ TEST_F(AnalyticsHelperTest, ReportsEachPayloadOfABundledDomain) {
     analytics.report({}, AnalyticsHelper::payloadSaved);
     analytics.report({"com.customer.secret"}, AnalyticsHelper::payloadSaved);
     EXPECT_EQ(m_sink->events.size(), 2);
+    analytics.report({kWiFi}, AnalyticsHelper::payloadAdded);
+    EXPECT_EQ(m_sink->events.last().name, QStringLiteral("Payload added"));
 }
 
 TEST_F(AnalyticsHelperTest, CutsALongDomainTo125Characters) {
