@@ -1,5 +1,5 @@
 #include "plist/OpenStepReader.h"
-#include "support/TestSupport.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -23,89 +23,35 @@ ParseError errorOf(const QByteArray& text, const ReadLimits& limits = {}) {
     return read ? ParseError{} : read.error();
 }
 
+// The value of a case in JSON: strings, arrays, dictionaries, and data as {"$data": hex}.
+Value fromJson(const QJsonValue& json) {
+    if (json.isArray()) {
+        Array array;
+        for (const QJsonValue& item : json.toArray())
+            array.append(fromJson(item));
+        return array;
+    }
+    const QJsonObject object = json.toObject();
+    if (!json.isObject())
+        return json.toString();
+    if (object.contains("$data"))
+        return QByteArray::fromHex(object["$data"].toString().toLatin1());
+    Dictionary dictionary;
+    for (auto entry = object.begin(); entry != object.end(); ++entry)
+        dictionary.insert(entry.key(), fromJson(entry.value()));
+    return dictionary;
+}
+
 } // namespace
 
-TEST(OpenStepValues, StringsQuotedAndUnquoted) {
-    EXPECT_EQ(readOrDie("\"double quoted\""), Value("double quoted"));
-    EXPECT_EQ(readOrDie("'single quoted'"), Value("single quoted"));
-    EXPECT_EQ(readOrDie("\"it's\""), Value("it's"));
-    EXPECT_EQ(readOrDie("'say \"hi\"'"), Value("say \"hi\""));
-    EXPECT_EQ(readOrDie("''"), Value(QString()));
-}
-
-TEST(OpenStepValues, UnquotedStringsTakeTheirWholeCharacterSet) {
-    EXPECT_EQ(readOrDie("a_b$c+d/e:f.g-h0123456789XYZ"), Value("a_b$c+d/e:f.g-h0123456789XYZ"));
-    // No numbers or booleans in this form: they are strings.
-    EXPECT_EQ(readOrDie("( 1, -2.5, YES, true, 0x1F )"), Value(Array{"1", "-2.5", "YES", "true", "0x1F"}));
-    // Slashes inside an unquoted string are not comments.
-    EXPECT_EQ(readOrDie("{ url = http://example.com/a//b; }"),
-              Value(Dictionary{{"url", "http://example.com/a//b"}}));
-}
-
-TEST(OpenStepValues, DataWithSpaceBetweenPairs) {
-    EXPECT_EQ(readOrDie("<0fbd77>"), Value(QByteArray("\x0F\xBD\x77")));
-    EXPECT_EQ(readOrDie("< 0FBD\n\t77 00 >"), Value(QByteArray("\x0F\xBD\x77\x00", 4)));
-    EXPECT_EQ(readOrDie("<>"), Value(QByteArray()));
-}
-
-TEST(OpenStepValues, ArraysWithAndWithoutTrailingComma) {
-    EXPECT_EQ(readOrDie("()"), Value(Array{}));
-    EXPECT_EQ(readOrDie("( a )"), Value(Array{"a"}));
-    EXPECT_EQ(readOrDie("(a, \"b\", <00>)"), Value(Array{"a", "b", QByteArray(1, '\0')}));
-    EXPECT_EQ(readOrDie("(a, b, )"), Value(Array{"a", "b"}));
-}
-
-TEST(OpenStepValues, DictionariesAndNesting) {
-    EXPECT_EQ(readOrDie("{}"), Value(Dictionary{}));
-    const Value expected(Dictionary{
-        {"name", "Wi-Fi"},
-        {"quoted key", "v"},
-        {"list", Array{"one", Dictionary{{"inner", Array{}}}, Array{Array{"deep"}}}},
-        {"empty", Dictionary{}},
-        {"bytes", QByteArray("\xCA\xFE")},
-    });
-    EXPECT_EQ(readOrDie("{\n"
-                        "  name = Wi-Fi;\n"
-                        "  \"quoted key\" = 'v';\n"
-                        "  list = ( one, { inner = (); }, ((deep)) );\n"
-                        "  empty = {};\n"
-                        "  bytes = <cafe>;\n"
-                        "}\n"),
-              expected);
-    // The last of repeated keys wins; "key;" is short for "key = key;".
-    EXPECT_EQ(readOrDie("{ a = 1; a = 2; b; }"), Value(Dictionary{{"a", "2"}, {"b", "b"}}));
-}
-
-TEST(OpenStepEscapes, NamedAndLiteralEscapes) {
-    EXPECT_EQ(readOrDie(R"("\n\t\r\a\b\f\v")"), Value("\n\t\r\a\b\f\v"));
-    EXPECT_EQ(readOrDie(R"("quote \" backslash \\ apostrophe \' other \q")"),
-              Value("quote \" backslash \\ apostrophe ' other q"));
-    EXPECT_EQ(readOrDie("'it\\'s'"), Value("it's"));
-    EXPECT_EQ(readOrDie("\"line\\\nbreak\""), Value("line\nbreak"));
-}
-
-TEST(OpenStepEscapes, OctalNamesNextStepBytes) {
-    EXPECT_EQ(readOrDie(R"("a\012b\101\60")"), Value("a\nbA0"));
-    // At most three digits: a NUL followed by the character '5'.
-    EXPECT_EQ(readOrDie(R"("\0005")"), Value(QString(QChar(0)) + u'5'));
-    // The upper half is NeXTSTEP, not Latin-1: 0xE9 is Ø and 0xD9 is ä.
-    EXPECT_EQ(readOrDie(R"("\351\331\200")"), Value(QStringLiteral("\u00D8\u00E4\u00A0")));
-}
-
-TEST(OpenStepEscapes, UnicodeEscapesOfFourHexDigits) {
-    EXPECT_EQ(readOrDie(R"("caf\U00e9")"), Value(QStringLiteral("caf\u00e9")));
-    EXPECT_EQ(readOrDie(R"("\U20AC\u")"), Value(QStringLiteral("\u20ACu")));
-    // A surrogate pair takes two escapes.
-    EXPECT_EQ(readOrDie(R"("\UD83D\UDE00")"), Value(QStringLiteral("\U0001F600")));
-    // Fewer digits end at the first character that is not hex; more are text.
-    EXPECT_EQ(readOrDie(R"("\U41x \U00412")"), Value("Ax A2"));
-}
-
-TEST(OpenStepText, CommentsWhereverSpaceMayBe) {
-    EXPECT_EQ(readOrDie("// heading\n/* block\n comment */ { /**/ a /* x */ = // y\n b; // z\n} // end"),
-              Value(Dictionary{{"a", "b"}}));
-    EXPECT_EQ(readOrDie("( a /* , b */, c // , d\n )"), Value(Array{"a", "c"}));
-    EXPECT_EQ(readOrDie("\"/* not a comment */\""), Value("/* not a comment */"));
+// Strings, data, arrays and dictionaries, escapes, comments and strings
+// files: each text and the value it reads as.
+TEST(OpenStepValues, EachFormReadsAsItsValue) {
+    const QJsonArray cases = quorlin::test::dataJson(QStringLiteral("plist/openstep-values.json")).toArray();
+    ASSERT_GT(cases.size(), 30);
+    for (const QJsonValue& c : cases)
+        EXPECT_EQ(readOrDie(c["text"].toString().toUtf8()), fromJson(c["value"]))
+            << c["rule"].toString().toStdString();
 }
 
 TEST(OpenStepText, Utf8AndUtf16WithByteOrderMarks) {
@@ -120,58 +66,13 @@ TEST(OpenStepText, Utf8AndUtf16WithByteOrderMarks) {
     }
 }
 
-TEST(OpenStepStringsFile, EntriesWithoutBracesFormADictionary) {
-    EXPECT_EQ(readOrDie("/* Localizable */\n"
-                        "\"greeting\" = \"Hello\";\n"
-                        "farewell = 'Bye'; // informal\n"
-                        "list = (a, b);\n"
-                        "nested = { x = y; };\n"
-                        "bare;\n"),
-              Value(Dictionary{{"greeting", "Hello"},
-                               {"farewell", "Bye"},
-                               {"list", Array{"a", "b"}},
-                               {"nested", Dictionary{{"x", "y"}}},
-                               {"bare", "bare"}}));
-    EXPECT_EQ(readOrDie("a=b;"), Value(Dictionary{{"a", "b"}}));
-    // Nothing but space and comments is an empty strings file.
-    EXPECT_EQ(readOrDie(" /* nothing */ \n// here\n"), Value(Dictionary{}));
-    // A lone string is just a string.
-    EXPECT_EQ(readOrDie("  lonely  "), Value("lonely"));
-}
-
 TEST(OpenStepErrors, ReportTheLineOfTheFault) {
-    const struct {
-        const char* text;
-        qint64 line;
-    } cases[] = {
-        {"{\n a = b;\n c = d\n}", 4},    // missing ';' noticed at the brace
-        {"{\n a = b;\n c = d e;\n}", 3}, // missing ';'
-        {"{\n a = b;\n c d;\n}", 3},     // neither '=' nor ';' after a key
-        {"(\n a,\n @\n)", 3},            // a character that starts nothing
-        {"(a,\n,b)", 2},                 // an empty element
-        {"(,)", 1},
-        {"{\n a = ;\n}", 2}, // a missing value
-        {"{ (a) = b; }", 1}, // a key that is not a string
-        {"{ <00> = b; }", 1},
-        {"{\n a = b;\n", 3},           // unclosed dictionary
-        {"(\n a\n", 3},                // unclosed array
-        {"(a b)", 1},                  // missing comma
-        {"\n\n\"unterminated\n\n", 5}, // unclosed string, noticed at the end
-        {"<0fb>", 1},                  // odd number of digits
-        {"<0 f>", 1},                  // a pair split by space
-        {"'it''s'", 1},                // two strings in a row
-        {"\n<0g>", 2},                 // not hex
-        {"\n\n<0f", 3},                // unclosed data
-        {"{ a = b; }\n\n junk", 3},    // content after the root
-        {"( a ) ( b )", 1},
-        {"{ a = b; } }", 1},
-        {"a = b; }", 1},          // strings file with a stray brace
-        {"\n/* never closed", 2}, // unclosed comment
-        {"'a\\", 1},              // escape at the very end
-    };
-    for (const auto& c : cases) {
-        const ParseError error = errorOf(c.text);
-        EXPECT_EQ(error.line, c.line) << c.text << " -> " << error.toString().toStdString();
+    const QJsonArray cases = quorlin::test::dataJson(QStringLiteral("plist/openstep-errors.json")).toArray();
+    ASSERT_GT(cases.size(), 20);
+    for (const QJsonValue& c : cases) {
+        SCOPED_TRACE(c["fault"].toString().toStdString());
+        const ParseError error = errorOf(c["text"].toString().toUtf8());
+        EXPECT_EQ(error.line, c["line"].toInt()) << error.toString().toStdString();
         EXPECT_FALSE(error.reason.isEmpty());
     }
 }

@@ -121,14 +121,3 @@ TEST(ConditionalRule, KeepsReadableConditionsAndFailsWithoutAny) {
         PFMConditionalPrototype::make(Dictionary{{"pfm_target_conditions", presentCondition}}, false));
     EXPECT_FALSE(PFMConditionalPrototype::make(Dictionary{}, false));
 }
-
-TEST(ConditionalRule, SurvivesWithOneOfFiveConditions) {
-    const auto rule = PFMConditionalPrototype::make(
-        ruleTree({Dictionary{{"pfm_target", "A"}}, Dictionary{{"pfm_target", 2}, {"pfm_present", true}},
-                  Dictionary{{"pfm_target", "C"}, {"pfm_present", "yes"}}, Dictionary{},
-                  Dictionary{{"pfm_target", "E"}, {"pfm_present", true}}}),
-        true);
-    ASSERT_TRUE(rule);
-    ASSERT_EQ(rule->targetConditions().size(), 1);
-    EXPECT_EQ(rule->targetConditions()[0].targetPath(), QStringLiteral("E"));
-}

@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include "SchemaTrees.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -66,18 +67,8 @@ TEST(DomainRequiredFields, KeyListMayComeOutEmpty) {
 }
 
 TEST(DomainFields, AreReadFromValuesOfTheirType) {
-    const QByteArray icon("\x89PNG\r\n", 6);
-    const auto domain = domainWith({{"pfm_description", "Line one\\nstill line one"},
-                                    {"pfm_version", 7},
-                                    {"pfm_targets", Array{"system", "user"}},
-                                    {"pfm_quorlin_sort_priority", 12.8},
-                                    {"pfm_quorlin_single_payload", true},
-                                    {"pfm_require", "always"},
-                                    {"pfm_quorlin_icon", icon},
-                                    {"pfm_quorlin_icon_is_template", 1},
-                                    {"pfm_quorlin_supervision_required", true},
-                                    {"pfm_quorlin_documentation_url", "https://example.org/payload"},
-                                    {"pfm_quorlin_note", "Needs a restart"}});
+    const auto domain =
+        domainWith(test::dataDictionary(QStringLiteral("schema/trees.plist"), "domain fields"));
     ASSERT_TRUE(domain);
     EXPECT_EQ(domain->descriptionline(), QStringLiteral("Line one\\nstill line one"));
     EXPECT_EQ(domain->version(), 7);
@@ -85,7 +76,7 @@ TEST(DomainFields, AreReadFromValuesOfTheirType) {
     EXPECT_EQ(domain->sortPriority(), 12u);
     EXPECT_TRUE(domain->singlePayload());
     EXPECT_TRUE(domain->required());
-    EXPECT_EQ(domain->icon(), icon);
+    EXPECT_EQ(domain->icon(), QByteArray("\x89PNG\r\n", 6));
     EXPECT_TRUE(domain->iconIsTemplate());
     EXPECT_TRUE(domain->requiresSupervision());
     EXPECT_EQ(domain->documentationURL(), QUrl(QStringLiteral("https://example.org/payload")));
@@ -93,18 +84,8 @@ TEST(DomainFields, AreReadFromValuesOfTheirType) {
 }
 
 TEST(DomainFields, OfTheWrongTypeCountAsAbsent) {
-    const auto domain = domainWith({{"pfm_version", "7"},
-                                    {"pfm_targets", "system"},
-                                    {"pfm_quorlin_sort_priority", "1"},
-                                    {"pfm_quorlin_single_payload", "yes"},
-                                    {"pfm_require", true},
-                                    {"pfm_quorlin_icon", "icon.png"},
-                                    {"pfm_quorlin_icon_is_template", true},
-                                    {"pfm_quorlin_category", 3},
-                                    {"pfm_quorlin_supervision_required", 1},
-                                    {"pfm_quorlin_documentation_url", Array{}},
-                                    {"pfm_quorlin_note", 5},
-                                    {"pfm_quorlin_groups", Array{}}});
+    const auto domain = domainWith(
+        test::dataDictionary(QStringLiteral("schema/trees.plist"), "domain fields of the wrong type"));
     ASSERT_TRUE(domain);
     EXPECT_FALSE(domain->version());
     EXPECT_FALSE(domain->targets());
@@ -255,80 +236,25 @@ TEST(DomainAvailability, OlderKeysServeWhenTheExtendedFormatCannotBeDecoded) {
               (StageVersions{{Stage::removal, "15.0"}}));
 }
 
-TEST(DomainDisplayGroups, SortedLabelsWithTheRestUnderOther) {
-    const auto domain = domainWith({{"pfm_quorlin_groups", Dictionary{{"Security", Array{"Password"}},
-                                                                      {"Network", Array{"Host", "Port"}}}}},
-                                   {keyTree("Host", "string"), keyTree("Password", "string"),
-                                    keyTree("Misc", "string"), keyTree("Port", "integer")});
-    ASSERT_TRUE(domain->displayGroupsLabelMap());
-    EXPECT_EQ(*domain->displayGroupsLabelMap(),
-              (QMap<int, QString>{{0, "Network"}, {1, "Security"}, {2, "Other"}}));
-    EXPECT_EQ(groupIndexes(*domain),
-              (std::map<QString, int>{{"Host", 0}, {"Port", 0}, {"Password", 1}, {"Misc", 2}}));
-}
-
-TEST(DomainDisplayGroups, OrderArrayDecidesAndLabelsMissingFromItGetNoIndex) {
-    const Dictionary groups{{"Security", Array{"Password"}}, {"Network", Array{"Host", "Port"}}};
-    const Array keys{keyTree("Host", "string"), keyTree("Password", "string"), keyTree("Misc", "string"),
-                     keyTree("Port", "integer")};
-    const auto ordered = domainWith(
-        {{"pfm_quorlin_groups", groups}, {"pfm_quorlin_groups_order", Array{"Security", "Network"}}}, keys);
-    EXPECT_EQ(*ordered->displayGroupsLabelMap(),
-              (QMap<int, QString>{{0, "Security"}, {1, "Network"}, {2, "Other"}}));
-    EXPECT_EQ(groupIndexes(*ordered),
-              (std::map<QString, int>{{"Host", 1}, {"Port", 1}, {"Password", 0}, {"Misc", 2}}));
-
-    const auto partial = domainWith({{"pfm_quorlin_groups", groups},
-                                     {"pfm_quorlin_groups_order", Array{"Security", "Unused", "Security"}}},
-                                    keys);
-    EXPECT_EQ(*partial->displayGroupsLabelMap(), (QMap<int, QString>{{0, "Security"}, {1, "Other"}}));
-    EXPECT_EQ(groupIndexes(*partial),
-              (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", 0}, {"Misc", 1}}));
-
-    const auto noneNamed =
-        domainWith({{"pfm_quorlin_groups", groups}, {"pfm_quorlin_groups_order", Array{"Unused"}}},
-                   {keyTree("Host", "string"), keyTree("Password", "string")});
-    EXPECT_FALSE(noneNamed->displayGroupsLabelMap());
-    EXPECT_EQ(groupIndexes(*noneNamed), (std::map<QString, int>{{"Host", -1}, {"Password", -1}}));
-}
-
-TEST(DomainDisplayGroups, NeedTwoGroupsInTheManifestAndTwoThatGetKeys) {
-    const auto oneGroup = domainWith({{"pfm_quorlin_groups", Dictionary{{"Network", Array{"Host"}}}}});
-    EXPECT_FALSE(oneGroup->displayGroupsLabelMap());
-    EXPECT_EQ(groupIndexes(*oneGroup),
-              (std::map<QString, int>{{"Host", -1}, {"Port", -1}, {"Password", -1}}));
-
-    const auto oneMatching =
-        domainWith({{"pfm_quorlin_groups",
-                     Dictionary{{"Network", Array{"Host", "Port", "Password"}}, {"Empty", Array{"Gone"}}}}});
-    EXPECT_FALSE(oneMatching->displayGroupsLabelMap());
-
-    // A group whose names aren't an array can't be read and doesn't count.
-    const auto unreadable = domainWith(
-        {{"pfm_quorlin_groups", Dictionary{{"Network", Array{"Host"}}, {"Security", "Password"}}}});
-    EXPECT_FALSE(unreadable->displayGroupsLabelMap());
-}
-
-TEST(DomainDisplayGroups, InvisibleKeysCountNowhere) {
-    const auto domain = domainWith(
-        {{"pfm_quorlin_groups", Dictionary{{"A", Array{"Host", "Port"}}, {"B", Array{"Password"}}}}},
-        {keyTree("Host", "string"), keyTree("Port", "integer"),
-         keyTree("Password", "string", {{"pfm_quorlin_user_visible", false}}),
-         keyTree("Hidden", "string", {{"pfm_quorlin_user_visible", false}})});
-    EXPECT_FALSE(domain->displayGroupsLabelMap());
-}
-
-TEST(DomainDisplayGroups, OtherLabelStepsAsideForAGroupOfThatName) {
-    const Array keys{keyTree("Host", "string"), keyTree("Port", "integer"), keyTree("Password", "string")};
-    const auto once = domainWith(
-        {{"pfm_quorlin_groups", Dictionary{{"Other", Array{"Host"}}, {"Security", Array{"Password"}}}}},
-        keys);
-    EXPECT_EQ(*once->displayGroupsLabelMap(),
-              (QMap<int, QString>{{0, "Other"}, {1, "Security"}, {2, "Other 1"}}));
-
-    const auto twice = domainWith(
-        {{"pfm_quorlin_groups", Dictionary{{"Other", Array{"Host"}}, {"Other 1", Array{"Password"}}}}}, keys);
-    EXPECT_EQ(*twice->displayGroupsLabelMap(),
-              (QMap<int, QString>{{0, "Other"}, {1, "Other 1"}, {2, "Other 2"}}));
-    EXPECT_EQ(groupIndexes(*twice), (std::map<QString, int>{{"Host", 0}, {"Port", 2}, {"Password", 1}}));
+// Groups need two of them in the manifest, and two that get visible keys;
+// the order array decides, and labels it doesn't name get no index.
+TEST(DomainDisplayGroups, LabelsAndIndexesFollowGroupsOrderAndVisibility) {
+    for (const Dictionary& c : test::dataCases(QStringLiteral("schema/display-groups.plist"))) {
+        SCOPED_TRACE(c.string("case")->toStdString());
+        Dictionary extra{{"pfm_quorlin_groups", c.value("pfm_quorlin_groups")}};
+        if (c.contains("order"))
+            extra.insert("pfm_quorlin_groups_order", c.value("order"));
+        const auto domain = domainWith(extra, c.array("keys") ? *c.array("keys") : threeKeys);
+        QMap<int, QString> labels;
+        for (const Value& label : c.array("labels") ? *c.array("labels") : Array{})
+            labels.insert(int(labels.size()), *label.toString());
+        EXPECT_EQ(domain->displayGroupsLabelMap().value_or(QMap<int, QString>{}), labels);
+        EXPECT_EQ(domain->displayGroupsLabelMap().has_value(), !labels.isEmpty());
+        if (const Dictionary* indexes = c.dictionary("indexes")) {
+            std::map<QString, int> expected;
+            for (auto entry = indexes->begin(); entry != indexes->end(); ++entry)
+                expected[entry.key()] = int(*entry.value().toInteger());
+            EXPECT_EQ(groupIndexes(*domain), expected);
+        }
+    }
 }

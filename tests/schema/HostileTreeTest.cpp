@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include "SchemaTrees.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -23,77 +24,16 @@ namespace {
 constexpr int hostileDepth = 10000;
 
 // The keys that mean something to a key or a domain, so that random trees hit the parser's paths.
-const QStringList manifestKeys{"pfm_type",
-                               "pfm_name",
-                               "pfm_title",
-                               "pfm_description",
-                               "pfm_format",
-                               "pfm_range_min",
-                               "pfm_range_max",
-                               "pfm_range_list",
-                               "pfm_quorlin_suggestions",
-                               "pfm_conditionals",
-                               "pfm_exclude",
-                               "pfm_require",
-                               "pfm_default",
-                               "pfm_quorlin_user_visible",
-                               "pfm_quorlin_user_editable",
-                               "pfm_quorlin_sorting_index",
-                               "pfm_quorlin_default_generate",
-                               "pfm_quorlin_ghost_key",
-                               "pfm_quorlin_pretty_range_list",
-                               "pfm_quorlin_value_placeholder",
-                               "pfm_quorlin_indentation_level",
-                               "pfm_quorlin_control_type",
-                               "pfm_quorlin_type_adapter",
-                               "pfmx_supported_oses",
-                               "pfm_quorlin_platforms",
-                               "pfm_quorlin_ios_introduction",
-                               "pfm_quorlin_macos_removal",
-                               "pfm_quorlin_supervision_required",
-                               "pfm_quorlin_documentation_url",
-                               "pfm_repetition_min",
-                               "pfm_repetition_max",
-                               "pfm_subkeys",
-                               "pfm_quorlin_allowed_file_extensions",
-                               "pfm_quorlin_allowed_data_signatures",
-                               "pfm_quorlin_note",
-                               "pfm_domain",
-                               "pfm_format_version",
-                               "pfm_version",
-                               "pfm_targets",
-                               "pfm_quorlin_sort_priority",
-                               "pfm_quorlin_single_payload",
-                               "pfm_quorlin_file_based_payload",
-                               "pfm_quorlin_payload_file_name_subkey",
-                               "pfm_quorlin_payload_file_data_subkey",
-                               "pfm_quorlin_icon",
-                               "pfm_quorlin_icon_is_template",
-                               "pfm_quorlin_category",
-                               "pfm_quorlin_groups",
-                               "pfm_quorlin_groups_order",
-                               "pfm_target_conditions",
-                               "pfm_target",
-                               "pfm_contains_any",
-                               "pfm_n_contains_any",
-                               "pfm_n_range_list",
-                               "pfm_present",
-                               "pfm_quorlin_exclusion_disables",
-                               "iOS",
-                               "macOS",
-                               "tvOS",
-                               "watchOS",
-                               "pfmx_introduced",
-                               "pfmx_deprecated",
-                               "pfmx_removed",
-                               "pfmx_supervised",
-                               "pfmx_shared_ipad",
-                               "pfmx_user_enrollment",
-                               "pfmx_mode",
-                               "pfmx_allowed_scopes",
-                               "pfmx_behavior",
-                               "{{key}}",
-                               "{{value}}"};
+const QStringList& manifestKeys() {
+    static const QStringList keys = [] {
+        QStringList read;
+        const plist::Value vocabulary = test::dataTree(QStringLiteral("schema/manifest-vocabulary.plist"));
+        for (const Value& key : vocabulary.array() ? *vocabulary.array() : Array{})
+            read << key.toString().value_or(QString());
+        return read;
+    }();
+    return keys;
+}
 const QStringList kinds{"boolean", "integer", "real", "string", "data", "date", "array", "dictionary"};
 const QStringList words{"boolean", "integer", "real",   "string", "data",     "date", "array",   "dictionary",
                         "always",  "push",    "n/a",    "ios",    "macOS",    "",     "{{key}}", "{{value}}",
@@ -109,7 +49,7 @@ public:
         Dictionary result;
         const int count = pick(12);
         for (int i = 0; i < count; ++i)
-            result.insert(pick(4) == 0 ? word() : manifestKeys[pick(int(manifestKeys.size()))],
+            result.insert(pick(4) == 0 ? word() : manifestKeys()[pick(int(manifestKeys().size()))],
                           value(depth + 1));
         if (pick(3) > 0)
             result.insert("pfm_type", pick(4) > 0 ? kinds[pick(int(kinds.size()))] : word());
@@ -291,28 +231,16 @@ TEST(HostileTrees, KeysAtTheLimitSurviveAndOneLevelMoreIsDropped) {
 
 TEST(HostileTrees, EmptyArraysEverywhereGiveAPlainDomain) {
     const Dictionary emptyKey =
-        keyTree("Everything", "data",
-                {{"pfm_range_list", Array{}},
-                 {"pfm_quorlin_suggestions", Array{}},
-                 {"pfm_conditionals", Array{}},
-                 {"pfm_exclude", Array{Dictionary{{"pfm_target_conditions", Array{}}}}},
-                 {"pfm_quorlin_platforms", Array{}},
-                 {"pfm_subkeys", Array{}},
-                 {"pfm_quorlin_allowed_file_extensions", Array{}},
-                 {"pfm_quorlin_allowed_data_signatures", Array{}},
-                 {"pfm_default", Array{}},
-                 {"pfmx_supported_oses", Dictionary{}}});
-    const auto domain =
-        PFMDomain::make(manifestTree("", {emptyKey},
-                                     {{"pfm_targets", Array{}},
-                                      {"pfm_quorlin_platforms", Array{}},
-                                      {"pfm_quorlin_groups", Dictionary{{"A", Array{}}, {"B", Array{}}}},
-                                      {"pfm_quorlin_groups_order", Array{}}}));
+        test::dataDictionary(QStringLiteral("schema/trees.plist"), "key with empty arrays everywhere");
+    const auto domain = PFMDomain::make(manifestTree(
+        "", {emptyKey},
+        test::dataDictionary(QStringLiteral("schema/trees.plist"), "manifest with empty arrays everywhere")));
     ASSERT_TRUE(domain);
     EXPECT_EQ(domain->domainCategory(), PFMDomain::Category::root);
     EXPECT_EQ(domain->targets(), Array{});
     EXPECT_EQ(domain->supportedPlatforms()->platforms().size(), 4u);
     EXPECT_FALSE(domain->displayGroupsLabelMap());
+    ASSERT_EQ(domain->keyPrototypes().size(), 1);
     const auto& key = domain->keyPrototypes()[0];
     EXPECT_EQ(key->rangeList(), Array{});
     EXPECT_EQ(key->suggestions(), Array{});
@@ -336,7 +264,8 @@ TEST(HostileTrees, WrongTypesInEveryPositionAreDroppedOneByOne) {
                                      Value(Array{1, "x"}),
                                      Value(Dictionary{{"x", 1}}),
                                      Value()};
-    for (const QString& manifestKey : manifestKeys) {
+    ASSERT_GT(manifestKeys().size(), 60);
+    for (const QString& manifestKey : manifestKeys()) {
         for (const Value& value : foreign) {
             Dictionary key = keyTree("Key", "dictionary", {{"pfm_subkeys", Array{keyTree("Sub", "string")}}});
             Dictionary manifest = manifestTree("com.example.hostile", {});
@@ -360,6 +289,7 @@ TEST(HostileTrees, WrongTypesInEveryPositionAreDroppedOneByOne) {
 }
 
 TEST(HostileTrees, RandomTreesBuildDomainsThatKeepTheirInvariants) {
+    ASSERT_GT(manifestKeys().size(), 60);
     HostileTrees trees(20240611u);
     int domains = 0;
     int keys = 0;

@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include "SchemaTrees.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,10 @@ namespace {
 std::shared_ptr<const PFMKeyPrototype> parseKey(const Dictionary& dictionary,
                                                 bool allowsMissingName = false) {
     return PFMKeyPrototype::make(dictionary, allowsMissingName);
+}
+
+std::shared_ptr<const PFMKeyPrototype> parseFixture(const QString& name) {
+    return parseKey(test::dataDictionary(QStringLiteral("schema/trees.plist"), name));
 }
 
 } // namespace
@@ -61,34 +66,7 @@ TEST(KeyPrototypeNames, AreMandatoryUnlessTheCallerAllowsItems) {
 
 TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
     const QByteArray signature("\x89PNG", 4);
-    const auto key =
-        parseKey(keyTree("Certificate", "data",
-                         {{"pfm_title", "Certificate File"},
-                          {"pfm_description", "The certificate to install"},
-                          {"pfm_format", "^[A-Z]+$"},
-                          {"pfm_range_min", 1},
-                          {"pfm_range_max", 4096},
-                          {"pfm_range_list", Array{QByteArray("a"), QByteArray("b")}},
-                          {"pfm_quorlin_suggestions", Array{"one", "two"}},
-                          {"pfm_require", "always"},
-                          {"pfm_default", QByteArray("abc")},
-                          {"pfm_quorlin_user_visible", false},
-                          {"pfm_quorlin_user_editable", false},
-                          {"pfm_quorlin_sorting_index", 12},
-                          {"pfm_quorlin_default_generate", "uuid"},
-                          {"pfm_quorlin_ghost_key", true},
-                          {"pfm_quorlin_pretty_range_list", Dictionary{{"a", "Letter A"}}},
-                          {"pfm_quorlin_value_placeholder", "Choose a file"},
-                          {"pfm_quorlin_indentation_level", 2},
-                          {"pfm_quorlin_control_type", "file"},
-                          {"pfm_quorlin_type_adapter", "data-to-hex-string"},
-                          {"pfm_quorlin_supervision_required", true},
-                          {"pfm_quorlin_documentation_url", "https://example.org/certificates#install"},
-                          {"pfm_repetition_min", 1},
-                          {"pfm_repetition_max", 3},
-                          {"pfm_quorlin_allowed_file_extensions", Array{"cer", "pem"}},
-                          {"pfm_quorlin_allowed_data_signatures", Array{signature}},
-                          {"pfm_quorlin_note", "Shown in the information panel"}}));
+    const auto key = parseFixture(QStringLiteral("key with every field"));
     ASSERT_TRUE(key);
     EXPECT_EQ(key->title(), QStringLiteral("Certificate File"));
     EXPECT_EQ(key->descriptionLine(), QStringLiteral("The certificate to install"));
@@ -119,36 +97,7 @@ TEST(KeyPrototypeFields, AreReadFromValuesOfTheirType) {
 }
 
 TEST(KeyPrototypeFields, OfTheWrongTypeCountAsAbsentAndKeepTheKey) {
-    const auto key = parseKey(keyTree("Server", "string",
-                                      {{"pfm_title", 5},
-                                       {"pfm_description", Array{}},
-                                       {"pfm_format", true},
-                                       {"pfm_range_min", "1"},
-                                       {"pfm_range_max", Dictionary{}},
-                                       {"pfm_range_list", "a"},
-                                       {"pfm_quorlin_suggestions", Dictionary{}},
-                                       {"pfm_conditionals", Dictionary{}},
-                                       {"pfm_exclude", "x"},
-                                       {"pfm_require", true},
-                                       {"pfm_default", 3},
-                                       {"pfm_quorlin_user_visible", "false"},
-                                       {"pfm_quorlin_user_editable", 0},
-                                       {"pfm_quorlin_sorting_index", "1"},
-                                       {"pfm_quorlin_default_generate", 1},
-                                       {"pfm_quorlin_ghost_key", 1},
-                                       {"pfm_quorlin_pretty_range_list", Array{}},
-                                       {"pfm_quorlin_value_placeholder", 1},
-                                       {"pfm_quorlin_indentation_level", 2.0},
-                                       {"pfm_quorlin_control_type", Array{}},
-                                       {"pfmx_supported_oses", Array{}},
-                                       {"pfm_quorlin_platforms", "ios"},
-                                       {"pfm_quorlin_ios_introduction", 13},
-                                       {"pfm_quorlin_supervision_required", "yes"},
-                                       {"pfm_quorlin_documentation_url", 1},
-                                       {"pfm_repetition_min", 1.0},
-                                       {"pfm_repetition_max", "3"},
-                                       {"pfm_subkeys", Dictionary{}},
-                                       {"pfm_quorlin_note", false}}));
+    const auto key = parseFixture(QStringLiteral("key with every field of the wrong type"));
     ASSERT_TRUE(key);
     EXPECT_EQ(key->title(), QStringLiteral("Server"));
     EXPECT_EQ(key->descriptionLine(), QString());
@@ -197,39 +146,18 @@ TEST(KeyPrototypeFields, DescriptionTurnsEveryBackslashNIntoALineBreak) {
     EXPECT_EQ(key->descriptionLine(), QStringLiteral("First line\nSecond line\nThird \\\n"));
 }
 
+// A number serves a boolean and an integer alike; nothing else crosses classes.
 TEST(KeyPrototypeFields, DefaultMustBeOfThePlistClassOfTheKind) {
-    struct Case {
-        const char* type;
-        Value value;
-        bool kept;
-    };
-    const std::vector<Case> cases{
-        {"boolean", true, true},
-        {"boolean", 1, true}, // a number all the same
-        {"boolean", "true", false},
-        {"integer", 5, true},
-        {"integer", 5.5, true},
-        {"integer", "5", false},
-        {"real", 0.25, true},
-        {"real", Array{}, false},
-        {"string", "text", true},
-        {"string", 1, false},
-        {"data", QByteArray("xyz"), true},
-        {"data", "xyz", false},
-        {"date", plist::Date{1000}, true},
-        {"date", "2020-01-01T00:00:00Z", false},
-        {"array", Array{1, 2}, true},
-        {"array", Dictionary{}, false},
-        {"dictionary", Dictionary{{"a", 1}}, true},
-        {"dictionary", Array{}, false},
-    };
-    for (const Case& c : cases) {
-        const auto key = parseKey(keyTree("Key", c.type, {{"pfm_default", c.value}}));
-        ASSERT_TRUE(key) << c.type;
-        EXPECT_EQ(key->defaultValue().has_value(), c.kept)
-            << c.type << " " << c.value.debugDescription().toStdString();
-        if (c.kept) {
-            EXPECT_EQ(*key->defaultValue(), c.value);
+    for (Dictionary c : test::dataCases(QStringLiteral("schema/key-defaults.plist"))) {
+        const Value value = c.value("pfm_default");
+        const bool kept = c.boolean("kept").value_or(false);
+        SCOPED_TRACE(c.string("pfm_type")->toStdString() + " " + value.debugDescription().toStdString());
+        c.insert("pfm_name", "Key");
+        const auto key = parseKey(c);
+        ASSERT_TRUE(key);
+        EXPECT_EQ(key->defaultValue().has_value(), kept);
+        if (kept) {
+            EXPECT_EQ(*key->defaultValue(), value);
         }
     }
 }
@@ -418,84 +346,22 @@ TEST(KeyPrototypeSupervision, DeepFlagFindsASupervisedKeyAtAnyDepth) {
     EXPECT_FALSE(none->requiresSupervisionDeep());
 }
 
-TEST(KeyPrototypeMatchesValue, ConventionalDictionariesCheckEveryEntryByType) {
-    const auto key = parseKey(
-        withSubkeys(keyTree("Account", "dictionary"),
-                    {keyTree("User", "string"), keyTree("Port", "integer"), keyTree("Secure", "boolean"),
-                     keyTree("Ratio", "real"), keyTree("Token", "data"), keyTree("Expiry", "date"),
-                     withSubkeys(keyTree("Options", "dictionary"), {keyTree("Retry", "integer")}),
-                     withSubkeys(keyTree("Hosts", "array"), {itemTree("string")})}));
-    const Dictionary full{{"User", "alex"},
-                          {"Port", 993},
-                          {"Secure", 1}, // any number fits a boolean
-                          {"Ratio", 2},
-                          {"Token", QByteArray("t")},
-                          {"Expiry", plist::Date{0}},
-                          {"Options", Dictionary{{"Retry", 3}}},
-                          {"Hosts", Array{"a.example", "b.example"}}};
-    EXPECT_TRUE(key->matchesValue(full));
-    EXPECT_TRUE(key->matchesValue(Dictionary{}));
-
-    const auto changed = [&](const QString& name, const Value& value) {
-        Dictionary copy = full;
-        copy.insert(name, value);
-        return key->matchesValue(copy);
-    };
-    EXPECT_FALSE(changed("Port", "993"));
-    EXPECT_FALSE(changed("User", 5));
-    EXPECT_FALSE(changed("Token", "t"));
-    EXPECT_FALSE(changed("Expiry", 0));
-    EXPECT_FALSE(changed("Unknown", "x"));
-    EXPECT_FALSE(changed("Options", Dictionary{{"Retry", "3"}}));
-    EXPECT_FALSE(changed("Options", Array{}));
-    EXPECT_FALSE(changed("Hosts", Array{"a.example", 7}));
-    EXPECT_FALSE(key->matchesValue(Array{}));
-    EXPECT_FALSE(key->matchesValue("text"));
-}
-
-TEST(KeyPrototypeMatchesValue, CustomDictionariesTakeAnyDictionaryAndArraysNeedAFitForEachItem) {
-    const auto custom = parseKey(withSubkeys(
-        keyTree("Free", "dictionary"), {keyTree("{{key}}", "string"), keyTree("{{value}}", "integer")}));
-    EXPECT_TRUE(custom->matchesValue(Dictionary{{"anything", Array{}}}));
-    EXPECT_FALSE(custom->matchesValue(Array{}));
-
-    const auto array = parseKey(
-        withSubkeys(keyTree("Mixed", "array"),
-                    {itemTree("string"), withSubkeys(itemTree("dictionary"), {keyTree("Name", "string")})}));
-    EXPECT_TRUE(array->matchesValue(Array{}));
-    EXPECT_TRUE(array->matchesValue(Array{"one", Dictionary{{"Name", "two"}}}));
-    EXPECT_FALSE(array->matchesValue(Array{"one", Dictionary{{"Other", "two"}}}));
-    EXPECT_FALSE(array->matchesValue(Array{QByteArray("bytes")}));
-    EXPECT_FALSE(array->matchesValue(Dictionary{}));
-
-    const auto noItems = parseKey(keyTree("Bare", "array"));
-    EXPECT_TRUE(noItems->matchesValue(Array{}));
-    EXPECT_FALSE(noItems->matchesValue(Array{"x"}));
-
-    EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Dictionary{}));
-    EXPECT_FALSE(parseKey(keyTree("S", "string"))->matchesValue(Array{}));
+// Conventional dictionaries check every entry by type, custom ones take any
+// dictionary, arrays need a fit for each item.
+TEST(KeyPrototypeMatchesValue, ValuesFitTheKeyTree) {
+    for (const Dictionary& c : test::dataCases(QStringLiteral("schema/matching-values.plist"))) {
+        SCOPED_TRACE(c.string("case")->toStdString());
+        const auto key = parseKey(*c.dictionary("key"));
+        ASSERT_TRUE(key);
+        for (const Value& value : *c.array("matching"))
+            EXPECT_TRUE(key->matchesValue(value)) << value.debugDescription().toStdString();
+        for (const Value& value : *c.array("not matching"))
+            EXPECT_FALSE(key->matchesValue(value)) << value.debugDescription().toStdString();
+    }
 }
 
 TEST(TitleFromKeyName, BreaksWordsAtCaseChangesAndUnderscoresButKeepsSpacedNames) {
-    const std::vector<std::pair<const char*, const char*>> cases{
-        {"allow camera use", "allow camera use"},
-        {"Allow_Camera Use", "Allow_Camera Use"},
-        {"enabled", "Enabled"},
-        {"", ""},
-        {"allowCameraUse", "Allow Camera Use"},
-        {"HTTPServerURL", "HTTP Server URL"},
-        {"isHTTPSEnabled", "Is HTTPS Enabled"},
-        {"URL", "URL"},
-        {"allow_camera", "Allow camera"},
-        {"use_VPN", "Use VPN"},
-        {"wifi_autoJoin", "Wifi auto Join"},
-        // Digits stay with the word before them.
-        {"SHA256Fingerprint", "SHA256 Fingerprint"},
-        {"port8080Enabled", "Port8080 Enabled"},
-        {"DNS64Prefix", "DNS64 Prefix"},
-        {"maxRetries3", "Max Retries3"},
-        {"use_802_1x", "Use 802 1x"},
-    };
-    for (const auto& [name, title] : cases)
-        EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(name), QString::fromUtf8(title)) << name;
+    for (const Dictionary& c : test::dataCases(QStringLiteral("schema/titles-from-key-names.plist")))
+        EXPECT_EQ(PFMKeyPrototype::titleFromKeyName(*c.string("name")), c.string("title"))
+            << c.string("name")->toStdString();
 }

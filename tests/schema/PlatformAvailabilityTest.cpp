@@ -1,7 +1,7 @@
 #include "schema/PFMSupportedPlatforms.h"
 #include "schema/PFMXSupportedOSes.h"
 #include "schema/SupportedPlatforms.h"
-#include "support/TestSupport.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
@@ -46,20 +46,7 @@ TEST(PlatformWords, HaveTheirRawWordsAndDisplayNames) {
     EXPECT_EQ(PFMSupportedPlatforms::rawValue(Stage::deprecation), QStringLiteral("deprecation"));
     EXPECT_EQ(PFMSupportedPlatforms::rawValue(Stage::removal), QStringLiteral("removal"));
 
-    const std::vector<std::pair<Mode, const char*>> modes{{Mode::allowed, "allowed"},
-                                                          {Mode::required, "required"},
-                                                          {Mode::forbidden, "forbidden"},
-                                                          {Mode::ignored, "ignored"}};
-    for (const auto& [mode, raw] : modes) {
-        EXPECT_EQ(PFMXSharedIPad::rawValue(mode), QString::fromUtf8(raw));
-        EXPECT_EQ(PFMXSharedIPad::modeFromRawValue(QString::fromUtf8(raw)), mode);
-    }
-    const std::vector<std::pair<Scope, const char*>> scopes{
-        {Scope::system, "system"}, {Scope::user, "user"}, {Scope::local, "local"}};
-    for (const auto& [scope, raw] : scopes) {
-        EXPECT_EQ(PFMXSharedIPad::rawValue(scope), QString::fromUtf8(raw));
-        EXPECT_EQ(PFMXSharedIPad::scopeFromRawValue(QString::fromUtf8(raw)), scope);
-    }
+    // The modes and scopes are read by their words when decoding; case counts.
     EXPECT_FALSE(PFMXSharedIPad::modeFromRawValue("Allowed"));
     EXPECT_FALSE(PFMXSharedIPad::scopeFromRawValue("device"));
 }
@@ -95,29 +82,8 @@ TEST(OlderPlatformKeys, LifeCycleVersionsComeFromTwelveStringKeys) {
 }
 
 TEST(ExtendedFormatDecoding, ReadsEveryFieldAndIgnoresUnknownPlatforms) {
-    const auto oses = decoded(Dictionary{
-        {"iOS",
-         Dictionary{
-             {"pfmx_introduced", "4.0"},
-             {"pfmx_deprecated", "15.0"},
-             {"pfmx_removed", "17.0"},
-             {"pfmx_device_channel", true},
-             {"pfmx_user_channel", false},
-             {"pfmx_supervised", true},
-             {"pfmx_requires_dep", false},
-             {"pfmx_user_approved_mdm", true},
-             {"pfmx_allow_manual_install", true},
-             {"pfmx_shared_ipad", Dictionary{{"pfmx_mode", "required"},
-                                             {"pfmx_device_channel", true},
-                                             {"pfmx_user_channel", false},
-                                             {"pfmx_allowed_scopes", Array{"system", "local"}}}},
-             {"pfmx_user_enrollment", Dictionary{{"pfmx_mode", "forbidden"}, {"pfmx_behavior", "skip"}}},
-             {"pfmx_always_skippable", false},
-             {"pfmx_multiple", true},
-             {"pfmx_future_field", 12}}},
-        {"macOS", Dictionary{}},
-        {"visionOS", Dictionary{{"pfmx_introduced", 1}}},
-        {"ios", "ignored as well"}});
+    const auto oses = decoded(
+        test::dataDictionary(QStringLiteral("schema/trees.plist"), "supported OSes with every field"));
 
     const PFMXSupportedOS* iOS = oses.supportedOS(Model::iOS);
     ASSERT_TRUE(iOS);
@@ -134,7 +100,7 @@ TEST(ExtendedFormatDecoding, ReadsEveryFieldAndIgnoresUnknownPlatforms) {
     EXPECT_EQ(iOS->sharedIPad->mode, Mode::required);
     EXPECT_EQ(iOS->sharedIPad->deviceChannel, true);
     EXPECT_EQ(iOS->sharedIPad->userChannel, false);
-    EXPECT_EQ(iOS->sharedIPad->allowedScopes, (QList<Scope>{Scope::system, Scope::local}));
+    EXPECT_EQ(iOS->sharedIPad->allowedScopes, (QList<Scope>{Scope::system, Scope::user, Scope::local}));
     ASSERT_TRUE(iOS->userEnrollment);
     EXPECT_EQ(iOS->userEnrollment->mode, Mode::forbidden);
     EXPECT_EQ(iOS->userEnrollment->behavior, QStringLiteral("skip"));
@@ -150,32 +116,14 @@ TEST(ExtendedFormatDecoding, ReadsEveryFieldAndIgnoresUnknownPlatforms) {
 }
 
 TEST(ExtendedFormatDecoding, AnyValueOfTheWrongTypeFailsTheWholeDictionary) {
-    const std::vector<std::pair<Dictionary, const char*>> failures{
-        {Dictionary{{"macOS", "10.15"}}, "macOS"},
-        {Dictionary{{"iOS", Dictionary{{"pfmx_introduced", 14}}}}, "iOS.pfmx_introduced"},
-        {Dictionary{{"tvOS", Dictionary{{"pfmx_supervised", 1}}}}, "tvOS.pfmx_supervised"},
-        {Dictionary{{"iOS", Dictionary{{"pfmx_shared_ipad", Dictionary{{"pfmx_mode", "sometimes"}}}}}},
-         "iOS.pfmx_shared_ipad.pfmx_mode"},
-        {Dictionary{{"iOS", Dictionary{{"pfmx_shared_ipad", Dictionary{{"pfmx_device_channel", true}}}}}},
-         "iOS.pfmx_shared_ipad.pfmx_mode"},
-        {Dictionary{
-             {"iOS", Dictionary{{"pfmx_shared_ipad", Dictionary{{"pfmx_mode", "allowed"},
-                                                                {"pfmx_allowed_scopes", Array{"device"}}}}}}},
-         "iOS.pfmx_shared_ipad.pfmx_allowed_scopes"},
-        {Dictionary{{"iOS", Dictionary{{"pfmx_shared_ipad", Array{}}}}}, "iOS.pfmx_shared_ipad"},
-        {Dictionary{{"watchOS", Dictionary{{"pfmx_user_enrollment",
-                                            Dictionary{{"pfmx_mode", "ignored"}, {"pfmx_behavior", 2}}}}}},
-         "watchOS.pfmx_user_enrollment.pfmx_behavior"},
-        {Dictionary{{"macOS", Dictionary{{"pfmx_user_enrollment", Dictionary{}}}}},
-         "macOS.pfmx_user_enrollment.pfmx_mode"},
-        {Dictionary{{"iOS", Dictionary{{"pfmx_introduced", "14.0"}}},
-                    {"macOS", Dictionary{{"pfmx_multiple", "no"}}}},
-         "macOS.pfmx_multiple"},
-    };
-    for (const auto& [dictionary, path] : failures) {
-        const auto result = PFMXSupportedOSes::decode(dictionary);
-        ASSERT_FALSE(result) << path;
-        EXPECT_EQ(result.error().codingPath, QString::fromUtf8(path));
+    for (const Dictionary& c :
+         test::dataCases(QStringLiteral("schema/supported-oses-of-the-wrong-type.plist"))) {
+        const QString path = c.string(QStringLiteral("failing path")).value_or(QString());
+        const auto result = PFMXSupportedOSes::decode(c.dictionary(QStringLiteral("supported OSes"))
+                                                          ? *c.dictionary(QStringLiteral("supported OSes"))
+                                                          : Dictionary{});
+        ASSERT_FALSE(result) << path.toStdString();
+        EXPECT_EQ(result.error().codingPath, path);
         EXPECT_FALSE(result.error().reason.isEmpty());
     }
     EXPECT_TRUE(PFMXSupportedOSes::decode(Dictionary{}));

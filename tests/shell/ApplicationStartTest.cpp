@@ -1,35 +1,13 @@
-#include "IsolatedHome.h"
-#include "RecordingAnalyticsSink.h"
+#include "ShellFixtures.h"
 
-#include "plist/UserDefaults.h"
-#include "shell/AnalyticsIntegration.h"
 #include "shell/ApplicationStart.h"
 #include "shell/FactoryDefaults.h"
-#include "support/TestSupport.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <memory>
+#include "supply/RepositoryStorePaths.h"
 
 using namespace quorlin;
 namespace Key = quorlin::DefaultsKey;
 
-namespace {
-
-class ApplicationStartTest : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(m_home.isValid() && m_folder.isValid()); }
-
-    test::IsolatedHome m_home;
-    QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.plist"))};
-    std::shared_ptr<test::RecordingAnalyticsSink> m_sink = std::make_shared<test::RecordingAnalyticsSink>();
-    AnalyticsIntegration m_analytics{m_sink};
-};
-
-} // namespace
+using ApplicationStartTest = test::ShellTest;
 
 TEST_F(ApplicationStartTest, RegistersTheFactoryDefaultsWithoutSavingThem) {
     ApplicationStart(m_defaults, m_analytics, "2.0.0").run();
@@ -38,12 +16,17 @@ TEST_F(ApplicationStartTest, RegistersTheFactoryDefaultsWithoutSavingThem) {
         EXPECT_FALSE(m_defaults.hasPersistentValue(key)) << key.toStdString();
     }
     EXPECT_EQ(m_defaults.persistentDomain().keys(), QStringList{Key::lastLaunchedBundleShortVersionString});
+    // The default repository must pass the rules the store applies to any address.
+    EXPECT_TRUE(RepositoryStorePaths::addressIsValid(FactoryDefaults::defaultOnlineRepositoryAddress()));
+    EXPECT_TRUE(RepositoryStorePaths::branchIsValid(FactoryDefaults::defaultOnlineRepositoryBranch()));
 }
 
-TEST_F(ApplicationStartTest, TheOldUpdaterSettingGoesOnlyOnAFirstStart) {
+// Were the migrations first, the recorded version would hide the first start.
+TEST_F(ApplicationStartTest, TheOldUpdaterSettingGoesOnlyOnAFirstStartBeforeTheVersionIsRecorded) {
     m_defaults.set(Key::suEnableAutomaticChecks, true);
     ApplicationStart(m_defaults, m_analytics, "2.0.0").run();
     EXPECT_FALSE(m_defaults.hasPersistentValue(Key::suEnableAutomaticChecks));
+    EXPECT_EQ(m_defaults.string(Key::lastLaunchedBundleShortVersionString), QStringLiteral("2.0.0"));
 
     // After a start of any version, old or current, it stays.
     for (const QString& versionKey :
@@ -54,15 +37,6 @@ TEST_F(ApplicationStartTest, TheOldUpdaterSettingGoesOnlyOnAFirstStart) {
         ApplicationStart::cleanOldUpdaterDefault(m_defaults);
         EXPECT_EQ(m_defaults.boolean(Key::suEnableAutomaticChecks), false) << versionKey.toStdString();
     }
-}
-
-TEST_F(ApplicationStartTest, TheUpdaterSettingIsCleanedBeforeTheVersionIsRecorded) {
-    // Were the migrations first, the recorded version would hide the first start.
-    m_defaults.set(Key::suEnableAutomaticChecks, true);
-    ApplicationStart start(m_defaults, m_analytics, "2.0.0");
-    start.run();
-    EXPECT_FALSE(m_defaults.hasPersistentValue(Key::suEnableAutomaticChecks));
-    EXPECT_EQ(m_defaults.string(Key::lastLaunchedBundleShortVersionString), QStringLiteral("2.0.0"));
 }
 
 TEST_F(ApplicationStartTest, StartsAnalyticsOnceWithTheApplicationSecret) {

@@ -1,58 +1,11 @@
-#include "IsolatedHome.h"
-#include "RecordingAnalyticsSink.h"
+#include "ShellFixtures.h"
 
-#include "plist/UserDefaults.h"
-#include "shell/AnalyticsIntegration.h"
 #include "shell/ApplicationStart.h"
 #include "shell/FactoryDefaults.h"
 #include "supply/RepositoryStorePaths.h"
-#include "support/TestSupport.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 using namespace quorlin;
 namespace Key = quorlin::DefaultsKey;
-
-namespace {
-
-void createFile(const QString& path) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write("x");
-}
-
-} // namespace
-
-TEST(FactoryDefaults, RegistersFourteenValuesInTheirOrder) {
-    const QList<FactoryDefaults::Entry> expected{
-        {"preferencesDefaultsAutomaticallyUpdate", true},
-        {"lastChoiceViewPropertyNames", false},
-        {"lastChoiceShowSupervisionTags", true},
-        {"lastChoiceShowRequirementTags", true},
-        {"lastChoiceShowPlatformTags", true},
-        {"lastChoiceShowPlatformTagsWhenDifferent", true},
-        {"lastChoiceShowPropertyDocumentationButtons", false},
-        {"preferencesDefaultsUnsetDefaultBooleans", true},
-        {"manifestRepositoryType", "online"},
-        {"onlineManifestRepositoryAddress", "https://github.com/ProfileManifests/ProfileManifests"},
-        {"onlineManifestRepositoryBranchName", "master"},
-        {"maximizeNonStandardManifestCompatibility", true},
-        {"lastShownOnlineManifestsUpdateModificationDate", plist::Date{-63114076800.0}},
-        {"lastChoiceShowingBooleanDescriptions", false},
-    };
-    EXPECT_EQ(FactoryDefaults::table(), expected);
-    EXPECT_EQ(FactoryDefaults::registeredDefaults().size(), 14);
-    // The default repository must pass the rules the store applies to any address.
-    EXPECT_TRUE(RepositoryStorePaths::addressIsValid(FactoryDefaults::defaultOnlineRepositoryAddress()));
-    EXPECT_TRUE(RepositoryStorePaths::branchIsValid(FactoryDefaults::defaultOnlineRepositoryBranch()));
-}
 
 TEST(FactoryDefaults, TheDistantPastIsTheFirstDayOfYearOne) {
     // 2000 Julian years of 365.25 days, less the 13 days by which the Julian
@@ -62,30 +15,20 @@ TEST(FactoryDefaults, TheDistantPastIsTheFirstDayOfYearOne) {
     EXPECT_EQ(FactoryDefaults::distantPast().toDateTime().date(), QDate(-1, 12, 30));
 }
 
-class FactoryResetTest : public ::testing::Test {
+class FactoryResetTest : public test::ShellTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_home.isValid());
-        ASSERT_TRUE(m_folder.isValid());
-    }
+    // Each start as a process of its own, with analytics not yet started.
     void start(const QString& version) {
         AnalyticsIntegration analytics(std::make_shared<test::RecordingAnalyticsSink>());
         ApplicationStart(m_defaults, analytics, version).run();
     }
-
-    test::IsolatedHome m_home;
-    QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("config/com.quorlin.ProfileEditor.plist"));
-    UserDefaults m_defaults{m_path};
 };
 
 TEST_F(FactoryResetTest, RemovesSettingsAndStoresSoTheNextStartIsAFirstStart) {
     start(QStringLiteral("1.7"));
     m_defaults.set(Key::identifierPrefix, "com.example");
-    createFile(m_path); // stands for the saved settings whatever the writer did
-    const QString storeFile =
-        RepositoryStorePaths::storeRoot() + QStringLiteral("/github/o/r/master/index.plist");
-    createFile(storeFile);
+    test::createFile(m_path); // stands for the saved settings whatever the writer did
+    test::createFile(RepositoryStorePaths::storeRoot() + QStringLiteral("/github/o/r/master/index.plist"));
 
     FactoryDefaults::removeUserData(m_defaults);
 

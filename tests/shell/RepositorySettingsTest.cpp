@@ -10,7 +10,7 @@
 #include "supply/FolderBookmark.h"
 #include "supply/RepositoryStorePaths.h"
 
-#include "IsolatedHome.h"
+#include "ShellFixtures.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,22 +25,15 @@ using Result = RepositoryFolderCheck::Result;
 namespace {
 
 void writeManifest(const QString& path, const plist::Dictionary& manifest) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(*plist::XmlWriter::write(manifest));
+    test::createFile(path, *plist::XmlWriter::write(manifest));
 }
 
 // `count` small plist files that are no general manifest, spread over subfolders.
 void writeOtherPlists(const QString& folder, int count) {
     const QByteArray bytes = *plist::XmlWriter::write(test::manifestTree("com.example.other", {}));
-    for (int index = 0; index < count; ++index) {
-        const QString path = QStringLiteral("%1/sub%2/other%3.plist").arg(folder).arg(index % 7).arg(index);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
+    for (int index = 0; index < count; ++index)
+        test::createFile(QStringLiteral("%1/sub%2/other%3.plist").arg(folder).arg(index % 7).arg(index),
+                         bytes);
 }
 
 } // namespace
@@ -58,10 +51,7 @@ TEST(RepositoryFolderCheckTest, AFolderMustHoldTheGeneralManifestWithinTheLimit)
     const QString withoutGeneral = root.filePath("without");
     writeOtherPlists(withoutGeneral, 3);
     writeManifest(withoutGeneral + "/Configuration.plist", test::manifestTree("Configuration", {}));
-    QFile garbage(withoutGeneral + "/garbage.plist");
-    ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
-    garbage.write("<plist><dict><key>pfm_domain</key>");
-    garbage.close();
+    test::createFile(withoutGeneral + "/garbage.plist", "<plist><dict><key>pfm_domain</key>");
     EXPECT_EQ(RepositoryFolderCheck::isManifestRepositoryFolder(withoutGeneral), Result::invalid)
         << "\"Configuration\" names the general payload only in the public dialect";
 

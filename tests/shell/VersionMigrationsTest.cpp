@@ -1,19 +1,11 @@
-#include "IsolatedHome.h"
+#include "ShellFixtures.h"
 
-#include "plist/UserDefaults.h"
 #include "shell/FactoryDefaults.h"
 #include "shell/VersionMigrations.h"
 #include "supply/RepositoryStorePaths.h"
-#include "support/TestSupport.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using namespace quorlin;
+using test::createFile;
 namespace Key = quorlin::DefaultsKey;
 
 namespace {
@@ -21,17 +13,10 @@ namespace {
 const QString kCurrent = QStringLiteral("2.0.0");
 const QString kAddress = QStringLiteral("https://github.com/ProfileManifests/ProfileManifests");
 
-void createFile(const QString& path) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write("<plist/>");
-}
-
-class VersionMigrationsTest : public ::testing::Test {
+class VersionMigrationsTest : public test::ShellTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_home.isValid());
+        ShellTest::SetUp();
         ASSERT_TRUE(RepositoryStorePaths::storeRoot().startsWith(m_home.path()));
         m_defaults.registerDefaults(FactoryDefaults::registeredDefaults());
     }
@@ -46,10 +31,6 @@ protected:
         const auto directory = RepositoryStorePaths::storageDirectoryForRepositoryAddress(address, branch);
         return directory ? QDir(*directory).filePath(QStringLiteral("standardized-index.plist")) : QString();
     }
-
-    test::IsolatedHome m_home;
-    QTemporaryDir m_folder;
-    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.plist"))};
 };
 
 } // namespace
@@ -157,20 +138,19 @@ TEST_F(VersionMigrationsTest, Versions150And151LoseTheIndexOfTheirOnlineStore) {
     const QString index = indexOfStore(kAddress, "master");
     const QString sibling = QFileInfo(index).absolutePath() + QStringLiteral("/manifest.plist");
     ASSERT_FALSE(index.isEmpty());
-    for (const char* lastVersion : {"1.4.9", "1.5.2", "1.6"}) {
-        createFile(index);
-        m_defaults.removePersistentDomain();
-        store({{Key::lastLaunchedBundleShortVersionString, lastVersion}});
-        VersionMigrations::run(m_defaults, kCurrent);
-        EXPECT_TRUE(QFile::exists(index)) << lastVersion;
-    }
-    for (const char* lastVersion : {"1.5", "1.5.0", "1.5.1.9"}) {
+    for (const auto& [lastVersion, removed] : {std::pair{"1.4.9", false},
+                                               {"1.5.2", false},
+                                               {"1.6", false},
+                                               {"1.5", true},
+                                               {"1.5.0", true},
+                                               {"1.5.1.9", true}}) {
+        SCOPED_TRACE(lastVersion);
         createFile(index);
         createFile(sibling);
         m_defaults.removePersistentDomain();
         store({{Key::lastLaunchedBundleShortVersionString, lastVersion}});
         VersionMigrations::run(m_defaults, kCurrent);
-        EXPECT_FALSE(QFile::exists(index)) << lastVersion;
+        EXPECT_EQ(QFile::exists(index), !removed);
         EXPECT_TRUE(QFile::exists(sibling)) << "only the index goes";
     }
 }

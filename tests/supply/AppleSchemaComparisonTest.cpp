@@ -3,7 +3,7 @@
 #include "schema/PFMDomain.h"
 #include "schema/PFMKeyPrototype.h"
 #include "schema/SupportedPlatforms.h"
-#include "support/TestSupport.h"
+#include "support/DataTrees.h"
 #include "support/YamlSubsetReader.h"
 
 #include <QDir>
@@ -25,41 +25,26 @@ const QString appleFolder = QStringLiteral(QUORLIN_CORPUS_DIR "/../apple-device-
 const QString bundledFolder = QStringLiteral(QUORLIN_BINARY_DIR "/share/quorlin-profile-editor/Manifests");
 
 // Where our manifests differ from Apple's schema on purpose: a pattern of
-// "type path: difference" ("*" for any text), and why.
-const QList<std::pair<QString, QString>> exceptions{
-    {"(general) PayloadContent: missing", "the editor writes the payload list from the payloads themselves"},
-    {"(general) *Encrypted*: missing", "the editor writes no encrypted profiles"},
-    {"com.apple.MCX *.Wake on LAN: missing",
-     "Apple's schema misspells the key that macOS reads as \"Wake On LAN\""},
-    {"com.apple.SystemConfiguration Proxies.SOCKSPortinteger: missing",
-     "a typo in Apple's schema for SOCKSPort"},
-    {"com.apple.wifi.managed TLSCertificateRequired: missing",
-     "Apple's schema puts it at the top; devices read TLSCertificateIsRequired in EAPClientConfiguration"},
-    {"com.apple.*ethernet.managed ANY: missing",
-     "Apple's stand-in for the 802.1X keys, which ours names one by one"},
-    {"* *.ANY: missing", "Apple leaves these dictionaries open; ours names the keys that are read"},
-    {"(general) ConsentText.ConsentTextItem: type",
-     "Apple's schema adds a level; profiles hold the texts by language directly"},
-    {"com.apple.MCX *Sleep Timer: *", "Apple's 0 (never) beside 1 to 180 is our range 0 to 180"},
-    {"com.apple.MCX *.RepeatingPower*.eventtype: allowed values",
-     "power-on and power-off events each take their own"},
-    {"com.apple.dock *-apps[].tile-*: allowed values", "the apps sections hold apps only"},
-    {"com.apple.TCC.configuration-profile-policy *.Authorization: allowed values",
-     "each service takes only the values macOS accepts for it"},
-    {"com.apple.systempreferences *Pane*[]: allowed values", "panes of other makers may be named too"},
-    {"com.apple.systempreferences DisabledSystemSettings[]: allowed values",
-     "settings of other makers may be named too"},
-    {"com.apple.system.logging *: availability",
-     "Apple's schema marks its keys unavailable on macOS, the payload's only OS"},
-    {"com.apple.security.wapi-identity *: availability",
-     "Apple's schema names no OS; WAPI networks are an iOS matter"},
-};
+// "type path: difference" ("*" for any text), and why, from the data file.
+QList<std::pair<QString, QString>> readExceptions() {
+    QList<std::pair<QString, QString>> read;
+    for (const plist::Dictionary& entry :
+         test::dataCases(QStringLiteral("supply/apple-schema-exceptions.plist")))
+        read.append(
+            {entry.string("difference").value_or(QString()), entry.string("reason").value_or(QString())});
+    return read;
+}
+
+const QList<std::pair<QString, QString>>& exceptions() {
+    static const QList<std::pair<QString, QString>> read = readExceptions();
+    return read;
+}
 
 // The exceptions that matched, so that one the manifests outgrew is noticed.
 QSet<QString> usedExceptions;
 
 bool isException(const QString& difference) {
-    for (const auto& [text, reason] : exceptions) {
+    for (const auto& [text, reason] : exceptions()) {
         const QString pattern =
             QRegularExpression::escape(text).replace(QStringLiteral("\\*"), QStringLiteral(".*"));
         if (QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(difference).hasMatch()) {
@@ -334,26 +319,12 @@ QString percent(int part, int whole) {
 }
 
 TEST(AppleSchema, TheYamlReaderReadsWhatSchemaFilesUse) {
-    using plist::Array;
     using plist::Dictionary;
     const plist::Value root =
         test::readYamlSubset(test::readFile(test::testDataPath("supply/yaml-subset.yaml")));
     ASSERT_TRUE(root.dictionary());
-    const Dictionary inner{{"key", "Inner"}, {"type", "<integer>"}};
-    const Dictionary expected{
-        {"title", "Sample"},
-        {"payload", Dictionary{{"payloadtype", "com.example.sample"},
-                               {"supportedOS", Dictionary{{"macOS", Dictionary{{"introduced", "10.15"}}}}}}},
-        {"payloadkeys", Array{Dictionary{{"key", "Plain"},
-                                         {"type", "<string>"},
-                                         {"content", "A plain text that goes on over a second line."}},
-                              Dictionary{{"key", "Block"},
-                                         {"content", "First line.\n  Indented line.\n\nAfter a blank line."},
-                                         {"rangelist", Array{1, 2.5, true, "it's"}},
-                                         {"subkeys", Array{inner}}},
-                              Dictionary{{"key", "Alias"}, {"subkeys", Array{inner}}},
-                              Dictionary{{"key", "Empty"}, {"presence", ""}}}},
-        {"list", Array{"a", "b"}}};
+    const Dictionary expected = test::dataDictionary(QStringLiteral("supply/yaml-subset.plist"));
+    ASSERT_FALSE(expected.isEmpty());
     EXPECT_EQ(*root.dictionary(), expected);
 }
 
@@ -384,7 +355,7 @@ TEST(AppleSchema, BundledManifestsAgreeWithAppleOnKeysTypesValuesAndAvailability
               << "); nested keys: " << tally.nestedFound << " of " << tally.nested << " ("
               << percent(tally.nestedFound, tally.nested).toStdString() << ")\n";
     EXPECT_TRUE(tally.differences.isEmpty()) << tally.differences.size() << " differences, listed above";
-    for (const auto& [text, reason] : exceptions)
+    for (const auto& [text, reason] : exceptions())
         EXPECT_TRUE(usedExceptions.contains(text)) << "no longer needed: " << text.toStdString();
 }
 

@@ -1,4 +1,4 @@
-#include "SupplyFixtures.h"
+#include "StandardizationFixtures.h"
 
 #include "schema/PFMDomain.h"
 #include "supply/OriginalsFolderRepository.h"

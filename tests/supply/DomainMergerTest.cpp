@@ -42,38 +42,6 @@ TEST(DomainMergerTest, MergesEveryGoldenCase) {
     }
 }
 
-TEST(DomainMergerTest, LaterManifestWinsForPlainKeysAndPlatformsAreTheSortedUnion) {
-    const auto first =
-        manifestFor("watchOS", {}, {{QStringLiteral("pfm_title"), "First"}, {"pfm_version", 1}});
-    const auto second = manifestFor("iOS", {}, {{QStringLiteral("pfm_title"), "Second"}});
-    const auto merged = DomainMerger::merge({first, second});
-    EXPECT_EQ(merged.string(QStringLiteral("pfm_title")), QStringLiteral("Second"));
-    EXPECT_EQ(merged.integer(QStringLiteral("pfm_version")), 1);
-    EXPECT_EQ(merged.value(platformsKey), plist::Value(stringArray({"iOS", "watchOS"})));
-}
-
-TEST(DomainMergerTest, UnnamedArrayItemsAreMatchedOnlyWhenBothArraysHaveTheSameCount) {
-    const auto items = [](std::initializer_list<const char*> titles) {
-        plist::Array array;
-        for (const char* title : titles)
-            array.append(manifestKey(nullptr, "string", {{QStringLiteral("pfm_title"), title}}));
-        return array;
-    };
-    const auto listKey = [](const plist::Array& subkeys) {
-        return manifestKey("List", "array", {{QStringLiteral("pfm_subkeys"), subkeys}});
-    };
-    const auto merged = DomainMerger::merge({manifestFor("macOS", keyArray({listKey(items({"One", "Two"}))})),
-                                             manifestFor("iOS", keyArray({listKey(items({"Only"}))}))});
-
-    const plist::Dictionary list = test::subkeyNamed(merged, QStringLiteral("List"));
-    EXPECT_FALSE(list.contains(platformsKey)) << "the array itself exists on both platforms";
-    const plist::Array* children = list.array(subkeysKey);
-    ASSERT_TRUE(children);
-    ASSERT_EQ(children->size(), 2);
-    EXPECT_EQ(children->at(0).dictionary()->string(QStringLiteral("pfm_title")), QStringLiteral("One"));
-    EXPECT_EQ(children->at(1).dictionary()->value(platformsKey), plist::Value(stringArray({"macOS"})));
-}
-
 TEST(DomainMergerTest, ExcludedPlatformsSubtractWhileDeclaredOnesIntersect) {
     plist::Dictionary key =
         manifestKey("Key", "string", {{QStringLiteral("pfm_n_platforms"), stringArray({"tvOS"})}});
@@ -111,19 +79,6 @@ TEST(DomainMergerTest, PruningKeepsOnlyRestrictionsRelativeToTheParent) {
     EXPECT_FALSE(test::subkeyNamed(mac, QStringLiteral("Same")).contains(platformsKey));
     EXPECT_EQ(test::subkeyNamed(mac, QStringLiteral("None")).value(platformsKey),
               plist::Value(plist::Array{}));
-}
-
-TEST(DomainMergerTest, ValuesOfTheWrongClassCountAsAbsent) {
-    plist::Dictionary odd{{QStringLiteral("pfm_domain"), "com.example.merge"},
-                          {platformsKey, "macOS"},
-                          {subkeysKey, "not an array"}};
-    const auto second = manifestFor("iOS", plist::Array{1, "text", manifestKey("Key", "string")});
-    const auto merged = DomainMerger::merge({odd, second});
-    EXPECT_EQ(merged.value(platformsKey), plist::Value(stringArray({"iOS"})));
-    const plist::Array* subkeys = merged.array(subkeysKey);
-    ASSERT_TRUE(subkeys);
-    ASSERT_EQ(subkeys->size(), 1);
-    EXPECT_FALSE(subkeys->first().dictionary()->contains(platformsKey));
 }
 
 TEST(DomainMergerTest, HostilyDeepKeyTreesAreMergedNearTheTopAndKeptWhole) {

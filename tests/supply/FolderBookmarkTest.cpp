@@ -1,4 +1,4 @@
-#include "SupplyFixtures.h"
+#include "StandardizationFixtures.h"
 
 #include "supply/FolderBookmark.h"
 

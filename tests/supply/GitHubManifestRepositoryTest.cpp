@@ -1,5 +1,4 @@
 #include "StandardizationFixtures.h"
-#include "SupplyFixtures.h"
 
 #include "supply/GitHubManifestRepository.h"
 

@@ -1,6 +1,6 @@
-#include "supply/LocalManifestRepository.h"
+#include "StandardizationFixtures.h"
 
-#include "plist/XmlWriter.h"
+#include "supply/LocalManifestRepository.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -15,20 +15,12 @@ using namespace quorlin;
 namespace {
 
 plist::Dictionary manifest(const QString& domain, const QString& title) {
-    return plist::Dictionary{
-        {"pfm_domain", domain},
-        {"pfm_title", title},
-        {"pfm_description", "A manifest of our own for tests."},
-        {"pfm_format_version", 1},
-        {"pfm_last_modified", plist::Date{700000000.0}},
-        {"pfm_subkeys", plist::Array{plist::Dictionary{{"pfm_name", "Enabled"}, {"pfm_type", "boolean"}}}}};
+    return test::manifestTree(domain, {test::keyTree("Enabled", "boolean")},
+                              {{"pfm_title", title}, {"pfm_last_modified", plist::Date{700000000.0}}});
 }
 
 bool write(const QString& path, const plist::Dictionary& dictionary) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(*plist::XmlWriter::write(dictionary)) > 0;
+    return test::writeManifest(path, dictionary);
 }
 
 std::optional<QString> titleOf(const LocalManifestRepository& repository, const QString& domain) {
@@ -90,10 +82,7 @@ TEST(LocalManifestRepository, TellsAProfileManifestsCloneByItsIndex) {
     EXPECT_FALSE(repository->manifest("com.example.out"));
 
     // An index that isn't a property list makes it a plain folder.
-    QFile index(clone.filePath("Manifests/index"));
-    ASSERT_TRUE(index.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    index.write("not a plist");
-    index.close();
+    ASSERT_TRUE(test::writeBytes(clone.filePath("Manifests/index"), "not a plist"));
     auto plain = LocalManifestRepository::make(storage.filePath("b"), clone.path(), std::nullopt);
     ASSERT_TRUE(plain);
     EXPECT_TRUE(plain->manifest("com.example.out"));

@@ -1,6 +1,6 @@
 #include "supply/ManifestLinter.h"
 #include "plist/PlistReader.h"
-#include "support/TestSupport.h"
+#include "support/DataTrees.h"
 
 #include <QDir>
 
@@ -26,39 +26,18 @@ QString listed(const QList<ManifestFinding>& findings) {
 }
 
 TEST(ManifestLinter, FindsEachKindOfFaultAtItsKeyPath) {
-    const struct {
-        const char* path;
-        const char* reason;
-    } expected[] = {
-        {"", "unknown key \"pfm_titel\"; did you mean \"pfm_title\"?"},
-        {"Flag", "has a default of another type than boolean: 1"},
-        {"Mode", "allows a value of another type than string: 2"},
-        {"Mode", "has a default that its allowed list lacks: \"slow\""},
-        {"Size", "has a range minimum 10 above its maximum 5"},
-        {"Size", "has a default 20 outside its range"},
-        {"Code", "has a \"pfm_format\" that doesn't compile"},
-        {"Pin", "has a default that doesn't match its \"pfm_format\": 12a4"},
-        {"Dependent", "has a rule on \"Missing\", which isn't a key of this manifest"},
-        {"Dependent", "has a rule on \"Size\" whose \"pfm_range_list\" holds \"ten\", which never equals a "
-                      "value of type integer"},
-        {"Dependent",
-         "has a rule on \"Flag\" whose \"pfm_contains_any\" can never match a value of type boolean"},
-        {"Flag", "repeats a key name of this level"},
-        {"Scalar", "has subkeys, which a key of type string can't hold"},
-        {"List", "is an array without an item prototype"},
-        {"Limits", "unknown key \"pfm_rnage_max\"; did you mean \"pfm_range_max\"?"},
-        {"Settings.Phone", "names the platform ios, which its parent doesn't"},
-        {"Settings.Early", "is introduced on macos in 10.9, before its parent (10.13)"},
-        {"Ratio", "has the unknown type \"float\""},
-    };
     const auto findings = ManifestLinter::lint(manifest(testDataPath("supply/lint/faults.plist")));
-    for (const auto& [path, reason] : expected) {
+    const auto expected = test::dataCases(QStringLiteral("supply/lint/faults-findings.plist"));
+    for (const plist::Dictionary& finding : expected) {
+        const QString path = *finding.string("key path");
+        const QString reason = *finding.string("reason begins");
         const bool found = std::any_of(findings.begin(), findings.end(), [&](const ManifestFinding& f) {
-            return f.keyPath == QLatin1String(path) && f.reason.startsWith(QString::fromUtf8(reason));
+            return f.keyPath == path && f.reason.startsWith(reason);
         });
-        EXPECT_TRUE(found) << path << ": " << reason << "\nfound:\n" << listed(findings).toStdString();
+        EXPECT_TRUE(found) << path.toStdString() << ": " << reason.toStdString() << "\nfound:\n"
+                           << listed(findings).toStdString();
     }
-    EXPECT_EQ(findings.size(), std::size(expected)) << listed(findings).toStdString();
+    EXPECT_EQ(findings.size(), expected.size()) << listed(findings).toStdString();
 }
 
 TEST(ManifestLinter, AcceptsAManifestWithoutContradictions) {

@@ -1,6 +1,5 @@
-#include "SupplyFixtures.h"
+#include "StandardizationFixtures.h"
 
-#include "schema/SchemaTrees.h"
 #include "supply/BundledManifestRepository.h"
 #include "supply/ManifestRepository.h"
 

@@ -1,9 +1,8 @@
-#include "SupplyFixtures.h"
+#include "StandardizationFixtures.h"
 
 #include "plist/ApplicationIdentity.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
-#include "schema/SchemaTrees.h"
 #include "shell/IsolatedHome.h"
 #include "supply/FolderBookmark.h"
 #include "supply/GitHubManifestRepository.h"

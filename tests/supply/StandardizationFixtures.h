@@ -1,7 +1,13 @@
 #pragma once
 
+// The supply tests' one header: the files, images and manifest trees they
+// make (SupplyFixtures.h, shared with the window tests) and the golden cases.
+
+#include "SupplyFixtures.h"
+
 #include "plist/Utilities.h"
 #include "plist/Value.h"
+#include "schema/SchemaTrees.h"
 #include "support/TestSupport.h"
 
 #include <QDir>

@@ -1,5 +1,4 @@
 #include "StandardizationFixtures.h"
-#include "SupplyFixtures.h"
 
 #include "supply/SupportMerger.h"
 
@@ -27,36 +26,6 @@ TEST(SupportMergerTest, MergesEveryGoldenCase) {
                                               test::readDictionary(dir.filePath("support.plist"))),
                   expected);
     }
-}
-
-TEST(SupportMergerTest, SubkeysReplaceWhenTheManifestHasNoneToMergeWith) {
-    const plist::Dictionary manifest{{QStringLiteral("pfm_domain"), "com.example"}, {subkeysKey, "broken"}};
-    const plist::Array keys =
-        keyArray({manifestKey(nullptr, nullptr, {{QStringLiteral("pfm_title"), "as is"}})});
-    const auto merged = SupportMerger::mergeSupport(manifest, {{subkeysKey, keys}});
-    EXPECT_EQ(merged.value(subkeysKey), plist::Value(keys));
-}
-
-TEST(SupportMergerTest, NewKeysNeedATypeAndANameOutsideArrays) {
-    const plist::Dictionary manifest{{subkeysKey, keyArray({manifestKey("Kept", "string")})}};
-    const plist::Dictionary support{
-        {subkeysKey, keyArray({manifestKey("Untyped", nullptr), manifestKey(nullptr, "string"),
-                               manifestKey("Added", "integer")})}};
-    const auto merged = SupportMerger::mergeSupport(manifest, support);
-    EXPECT_EQ(merged.value(subkeysKey),
-              plist::Value(keyArray({manifestKey("Kept", "string"), manifestKey("Added", "integer")})));
-}
-
-TEST(SupportMergerTest, ASecondEntryForAMergedKeyIsAddedAsNew) {
-    const plist::Dictionary manifest{{subkeysKey, keyArray({manifestKey("Key", "string")})}};
-    const plist::Dictionary support{
-        {subkeysKey, keyArray({manifestKey("Key", nullptr, {{QStringLiteral("pfm_title"), "Corrected"}}),
-                               manifestKey("Key", "integer")})}};
-    const auto merged = SupportMerger::mergeSupport(manifest, support);
-    EXPECT_EQ(
-        merged.value(subkeysKey),
-        plist::Value(keyArray({manifestKey("Key", "string", {{QStringLiteral("pfm_title"), "Corrected"}}),
-                               manifestKey("Key", "integer")})));
 }
 
 class SupportFileTest : public ::testing::Test {

@@ -66,71 +66,6 @@ TEST(ThirdPartyManifestTest, RootValuesOfTheWrongClassAreDroppedAndUnknownKeysWi
     EXPECT_EQ(converted, expected);
 }
 
-TEST(ThirdPartyManifestTest, InputTypesFollowTheTypeAndTheValueProcessor) {
-    struct Case {
-        const char* type;
-        const char* input;
-        const char* processor;
-        const char* controlType;
-        const char* adapter;
-    };
-    const Case cases[] = {
-        {"data", "string", nullptr, "string", nullptr},
-        {"data", "string", "base642data", "string", nullptr},
-        {"data", "string", "hex2data", "string", "data-to-hex-string"},
-        {"data", "string", "rot13", nullptr, nullptr},
-        {"integer", "boolean", nullptr, "boolean", nullptr},
-        {"integer", "boolean", "hex2data", nullptr, nullptr},
-        {"string", "string", nullptr, nullptr, nullptr},
-        {nullptr, "string", nullptr, nullptr, nullptr},
-    };
-    for (const Case& item : cases) {
-        SCOPED_TRACE(std::string(item.type ? item.type : "-") + "/" + item.input + "/" +
-                     (item.processor ? item.processor : "-"));
-        plist::Dictionary key = manifestKey("Key", item.type, {{"pfm_type_input", item.input}});
-        if (item.processor)
-            key.insert("pfm_value_processor", item.processor);
-        const plist::Dictionary converted = convertedKey(key);
-        EXPECT_EQ(converted.string("pfm_quorlin_control_type"),
-                  item.controlType ? std::optional<QString>(item.controlType) : std::nullopt);
-        EXPECT_EQ(converted.string("pfm_quorlin_type_adapter"),
-                  item.adapter ? std::optional<QString>(item.adapter) : std::nullopt);
-        EXPECT_FALSE(converted.contains("pfm_value_processor"));
-        EXPECT_FALSE(converted.contains("pfm_type_input"));
-    }
-}
-
-TEST(ThirdPartyManifestTest, RangeTitlesAreKeyedByTheRangeValuesText) {
-    const auto pretty = [](const char* type, const plist::Array& range, const plist::Array& titles) {
-        return convertedKey(
-                   manifestKey("Key", type, {{"pfm_range_list", range}, {"pfm_range_list_titles", titles}}))
-            .value("pfm_quorlin_pretty_range_list");
-    };
-    EXPECT_EQ(pretty("integer", {1, 20, "3"}, stringArray({"One", "Twenty", "Three"})),
-              plist::Value(plist::Dictionary{{"1", "One"}, {"20", "Twenty"}}));
-    EXPECT_EQ(pretty("real", {0.5, 2.0}, stringArray({"Half", "Two"})),
-              plist::Value(plist::Dictionary{{"0.5", "Half"}, {"2", "Two"}}));
-    EXPECT_EQ(pretty("string", {"a", 1}, stringArray({"A", "One"})),
-              plist::Value(plist::Dictionary{{"a", "A"}}));
-    EXPECT_TRUE(pretty("string", {"a", "b"}, stringArray({"A", "B", "C"})).isNull());
-    EXPECT_TRUE(pretty("boolean", {true, false}, stringArray({"Yes", "No"})).isNull());
-    EXPECT_TRUE(pretty("string", {1, 2}, stringArray({"One", "Two"})).isNull());
-}
-
-TEST(ThirdPartyManifestTest, RequiredOnlyFillsAnAbsentRequireAndUnknownPresencesAreDropped) {
-    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", 1}})).string("pfm_require"),
-              "always");
-    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", true}, {"pfm_require", "push"}}))
-                  .string("pfm_require"),
-              "push");
-    EXPECT_EQ(convertedKey(manifestKey("K", "string", {{"pfm_required", true}, {"pfm_require", "never"}}))
-                  .string("pfm_require"),
-              std::nullopt);
-    EXPECT_FALSE(convertedKey(manifestKey("K", "string", {{"pfm_required", false}})).contains("pfm_require"));
-    EXPECT_FALSE(
-        convertedKey(manifestKey("K", "string", {{"pfm_required", "true"}})).contains("pfm_require"));
-}
-
 TEST(ThirdPartyManifestTest, NegativePlatformsKeepWhatTheyNameAndNarrowLaterSiblingsChildren) {
     const plist::Dictionary child =
         manifestKey("Child", "string", {{"pfm_n_platforms", stringArray({"iOS", "tvOS"})}});
@@ -150,16 +85,6 @@ TEST(ThirdPartyManifestTest, NegativePlatformsKeepWhatTheyNameAndNarrowLaterSibl
     EXPECT_FALSE(converted[2].dictionary()->contains(platformsKey));
     EXPECT_EQ(test::subkeyNamed(*converted[2].dictionary(), "Child").value(platformsKey),
               plist::Value(stringArray({"ios", "tvos"})));
-}
-
-TEST(ThirdPartyManifestTest, ManifestPlatformsAreInheritedByTheKeys) {
-    const plist::Dictionary converted = ThirdPartyManifest::convert(
-        {{"pfm_platforms", stringArray({"macOS"})},
-         {subkeysKey,
-          keyArray({manifestKey("K", "string", {{"pfm_n_platforms", stringArray({"macos", "ios"})}})})}});
-    EXPECT_EQ(converted.value(platformsKey), plist::Value(stringArray({"macOS"})));
-    EXPECT_FALSE(converted.contains("pfm_platforms"));
-    EXPECT_EQ(test::subkeyNamed(converted, "K").value(platformsKey), plist::Value(stringArray({"macOS"})));
 }
 
 TEST(ThirdPartyManifestTest, FileTypesMixExtensionsAndUniformTypes) {
@@ -227,20 +152,6 @@ TEST(ThirdPartyManifestTest, AControlShownInAGroupNestsItsGroupsAfterThatGroup) 
         {"Advanced", {"b"}, "Top"},
     };
     EXPECT_EQ(ThirdPartyManifest::resolveSegmentGroups(groups), expected);
-}
-
-TEST(ThirdPartyManifestTest, TheSegmentedKeyIsReplacedByItsGroups) {
-    const plist::Dictionary converted = ThirdPartyManifest::convert(
-        {{"pfm_unique", true},
-         {subkeysKey,
-          keyArray({manifestKey("Switch", "string",
-                                {{"pfm_segments", plist::Dictionary{{"On", stringArray({"A"})}}}}),
-                    manifestKey("A", "string")})}});
-    EXPECT_EQ(converted.value(subkeysKey), plist::Value(keyArray({manifestKey("A", "string")})));
-    EXPECT_EQ(converted.value("pfm_quorlin_groups"),
-              plist::Value(plist::Dictionary{{"On", stringArray({"A"})}}));
-    EXPECT_EQ(converted.value("pfm_quorlin_groups_order"), plist::Value(stringArray({"On"})));
-    EXPECT_EQ(converted.boolean("pfm_quorlin_single_payload"), true);
 }
 
 TEST(ThirdPartyManifestTest, HostilyDeepKeyTreesStopAtTheDepthLimit) {

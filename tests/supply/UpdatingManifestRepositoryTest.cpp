@@ -1,6 +1,5 @@
-#include "SupplyFixtures.h"
+#include "StandardizationFixtures.h"
 
-#include "schema/SchemaTrees.h"
 #include "supply/ModificationIndexItem.h"
 #include "supply/OriginalsFolderRepository.h"
 #include "supply/StandardizationPipeline.h"
