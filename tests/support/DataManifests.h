@@ -1,14 +1,15 @@
 #pragma once
 
 #include "model/ModelTestSupport.h"
+#include "support/DataTrees.h"
 
 #include <gtest/gtest.h>
 
 namespace quorlin::test {
 
-// The one loader of fixture manifests: a domain read from tests/data/<relative>.
+// A domain of a fixture manifest at tests/data/<relative>.
 inline std::shared_ptr<const PFMDomain> dataDomain(const QString& relative) {
-    const auto domain = PFMDomain::make(readDictionary(testDataPath(relative)));
+    const auto domain = PFMDomain::make(dataDictionary(relative));
     EXPECT_TRUE(domain) << relative.toStdString();
     return domain;
 }
