@@ -147,28 +147,6 @@ TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone
     EXPECT_EQ(empty.output, QByteArray("0 files gave no domain\n"));
 }
 
-TEST_F(DomainsCommandTest, RefusesAWrongCommandLineAndAFolderThatIsNone) {
-    const QString missing = m_tool.path("missing");
-    const ToolRun notAFolder = m_tool.run({"domains", "--manifests", missing});
-    EXPECT_EQ(notAFolder.exitCode, 2);
-    EXPECT_EQ(notAFolder.error,
-              QStringLiteral("quorlin-profile domains: %1: not a folder\n").arg(missing).toUtf8());
-    EXPECT_TRUE(notAFolder.output.isEmpty());
-
-    for (const QStringList& arguments :
-         {QStringList{"domains", "extra"}, QStringList{"domains", "--frobnicate"},
-          QStringList{"domains", "--manifests"}}) {
-        const ToolRun run = m_tool.run(arguments);
-        EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.error.startsWith("quorlin-profile domains: ")) << run.error.toStdString();
-    }
-    // After "--", "--json" is an operand like any other.
-    EXPECT_EQ(m_tool.run({"domains", "--", "--json"}).exitCode, 2);
-
-    const ToolRun help = m_tool.run({"--help"});
-    EXPECT_TRUE(help.output.contains("  domains ")) << help.output.toStdString();
-}
-
 TEST_F(DomainsCommandTest, StopsWithAMessageWhenTheResourcesAreMissing) {
     // A copy of the tool in a folder with no share/ beside it.
     const QString bin = m_tool.path("bin");

@@ -27,20 +27,6 @@ protected:
 
 } // namespace
 
-TEST_F(EditorStartTest, AnswersVersionAndHelpWithoutStarting) {
-    const ToolRun version = m_editor.run({"--version"});
-    EXPECT_EQ(version.exitCode, 0);
-    EXPECT_EQ(version.output, QByteArray("Quorlin Profile Editor " QUORLIN_VERSION "\n"));
-    const ToolRun help = m_editor.run({"--help"});
-    EXPECT_EQ(help.exitCode, 0);
-    EXPECT_TRUE(help.output.startsWith("Usage: quorlin-profile-editor"));
-    EXPECT_FALSE(QFile::exists(settingsFile()));
-
-    const ToolRun wrong = m_editor.run({"--frobnicate"});
-    EXPECT_EQ(wrong.exitCode, 2);
-    EXPECT_TRUE(wrong.error.startsWith("quorlin-profile-editor: unknown argument '--frobnicate'\n"));
-}
-
 TEST_F(EditorStartTest, TheHeadlessStartCompletes) {
     const ToolRun start = m_editor.run({"--list-domains"});
     EXPECT_EQ(start.exitCode, 0) << start.error.toStdString();

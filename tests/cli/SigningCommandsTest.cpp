@@ -11,6 +11,7 @@
 
 using namespace quorlin;
 using quorlin::test::CertificateValidity;
+using quorlin::test::importIdentity;
 using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::TestCertificate;
@@ -29,10 +30,9 @@ protected:
         ProfileToolTest::SetUp();
         writeFile("password.txt", "p12 secret\n");
         writeFile("passphrase.txt", "store passphrase\n");
-        writeFile(
-            "signer.p12",
-            TestPki::pkcs12(leaf, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
+        writeFile("signer.p12", TestPki::pkcs12(leaf, chain(), "p12 secret"));
     }
+    QList<X509*> chain() const { return {intermediate.certificate.get(), root.certificate.get()}; }
 
     ToolRun importSigner() const {
         return m_tool.run({"identity", "import", "signer.p12", "--password-file", "password.txt",
@@ -194,14 +194,7 @@ TEST_F(SigningCommandsTest, VerifyJudgesTheChainApartFromTheDatesAndTakesACaFile
         SCOPED_TRACE(each.name);
         const TestCertificate signer =
             TestPki::issue(QString::fromUtf8(each.name), &intermediate, false, each.validity);
-        writeFile(
-            "other.p12",
-            TestPki::pkcs12(signer, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
-        ASSERT_EQ(m_tool
-                      .run({"identity", "import", "other.p12", "--password-file", "password.txt",
-                            "--passphrase-file", "passphrase.txt"})
-                      .exitCode,
-                  0);
+        ASSERT_EQ(importIdentity(m_tool, signer, chain()).exitCode, 0);
         const ToolRun signedRun = run({"sign", "relay.mobileconfig", "--identity", each.name, "-o",
                                        "dated.mobileconfig", "--passphrase-file", "passphrase.txt"});
         EXPECT_EQ(signedRun.exitCode, 0) << signedRun.error.toStdString();
@@ -224,14 +217,7 @@ TEST_F(SigningCommandsTest, VerifyJudgesTheChainApartFromTheDatesAndTakesACaFile
 
 TEST_F(SigningCommandsTest, IdentitiesOfOneNameAreListedAndChosenByFingerprint) {
     ASSERT_EQ(importSigner().exitCode, 0);
-    const TestCertificate twin = TestPki::issue(kSigner, &intermediate, false);
-    writeFile("twin.p12",
-              TestPki::pkcs12(twin, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
-    ASSERT_EQ(m_tool
-                  .run({"identity", "import", "twin.p12", "--password-file", "password.txt",
-                        "--passphrase-file", "passphrase.txt"})
-                  .exitCode,
-              0);
+    ASSERT_EQ(importIdentity(m_tool, TestPki::issue(kSigner, &intermediate, false), chain()).exitCode, 0);
     goodProfile("relay.mobileconfig");
     const QJsonArray identities =
         QJsonDocument::fromJson(m_tool.run({"identity", "list", "--json"}).output).array();
