@@ -58,6 +58,7 @@ void expectText(const QByteArray& actual, char mode, const QString& expected, co
     const QString text = QString::fromUtf8(actual);
     const bool met = mode == '='   ? text == expected
                      : mode == '^' ? text.startsWith(expected)
+                     : mode == '$' ? text.endsWith(expected)
                                    : text.contains(expected);
     EXPECT_TRUE(met) << stream << mode << " \"" << expected.toStdString() << "\"\nbut " << stream << " is \""
                      << text.toStdString() << '"';
