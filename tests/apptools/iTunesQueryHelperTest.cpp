@@ -117,14 +117,6 @@ TEST(AppSearchResultsTest, UsesOnlyResponsesThatFollowTheServicesRules) {
     EXPECT_EQ(rows(200, kJavaScript, oneResult, "net.shinyfrog.bear"), QList<AppSearchResult>{bear})
         << "a store app with exactly the typed identifier";
     EXPECT_EQ(rows(200, kJavaScript, oneResult, ""), QList<AppSearchResult>{}) << "an empty search";
-
-    const QList<AppSearchResult>& system = AppSearchResults::systemApps();
-    ASSERT_EQ(system.size(), 50);
-    EXPECT_EQ(system.first().appName, QStringLiteral("App Store"));
-    EXPECT_EQ(system.at(23).bundleId, QStringLiteral("com.apple.facetime"))
-        << "the right column follows the left";
-    EXPECT_EQ(system.last().bundleId, QStringLiteral("com.apple.weather"));
-    EXPECT_EQ(AppSearchResult::label(ResultType::bundleId), QStringLiteral("Bundle Identifier"));
 }
 
 TEST_F(iTunesQueryHelperTest, AppObjectIsSharedAndLooksUpOnceForItsWatchers) {
