@@ -247,25 +247,28 @@ TEST_F(SigningCommandsTest, SignRefusesUnknownIdentitiesWrongPassphrasesAndNonPr
     writeFile("wrong.txt", "not the passphrase\n");
     writeFile("junk.mobileconfig", "junk");
 
-    const ToolRun unknown = run({"sign", "relay.mobileconfig", "--identity", "Nobody", "-o", "out"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_TRUE(unknown.error.startsWith("relay.mobileconfig: no signing identity named “Nobody”"));
-    const ToolRun wrong = run(
-        {"sign", "relay.mobileconfig", "--identity", kSigner, "-o", "out", "--passphrase-file", "wrong.txt"});
-    EXPECT_EQ(wrong.exitCode, 2);
-    EXPECT_EQ(wrong.error, "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: wrong passphrase or "
-                           "unreadable key\n");
-    const ToolRun noTerminal = run({"sign", "relay.mobileconfig", "--identity", kSigner, "-o", "out"});
-    EXPECT_EQ(noTerminal.exitCode, 2);
-    EXPECT_TRUE(noTerminal.error.contains("no terminal to ask at")) << noTerminal.error.toStdString();
-    const ToolRun junk = sign("junk.mobileconfig", "out");
-    EXPECT_EQ(junk.exitCode, 2);
-    EXPECT_EQ(junk.error, "junk.mobileconfig: The document could not be opened because it is not a readable "
-                          "configuration profile. The property list holds no dictionary at its top.\n");
+    const struct {
+        QStringList arguments;
+        const char* error;
+    } cases[] = {
+        {{"relay.mobileconfig", "--identity", "Nobody"},
+         "relay.mobileconfig: no signing identity named “Nobody”"},
+        {{"relay.mobileconfig", "--identity", kSigner, "--passphrase-file", "wrong.txt"},
+         "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: wrong passphrase or unreadable key\n"},
+        {{"relay.mobileconfig", "--identity", kSigner},
+         "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: no terminal to ask at"},
+        {{"junk.mobileconfig", "--identity", kSigner, "--passphrase-file", "passphrase.txt"},
+         "junk.mobileconfig: The document could not be opened because it is not a readable configuration "
+         "profile. The property list holds no dictionary at its top.\n"},
+        {{"relay.mobileconfig"}, "quorlin-profile sign: no identity given (--identity NAME)\n"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.arguments.join(u' ').toStdString());
+        const ToolRun refused = run(QStringList{"sign"} + each.arguments + QStringList{"-o", "out"});
+        EXPECT_EQ(refused.exitCode, 2);
+        EXPECT_TRUE(refused.error.startsWith(each.error)) << refused.error.toStdString();
+    }
     EXPECT_FALSE(QFileInfo::exists(m_tool.path("out")));
-    const ToolRun noIdentity = run({"sign", "relay.mobileconfig", "-o", "out"});
-    EXPECT_EQ(noIdentity.exitCode, 2);
-    EXPECT_TRUE(noIdentity.error.startsWith("quorlin-profile sign: no identity given (--identity NAME)\n"));
 }
 
 TEST_F(SigningCommandsTest, FormatLeavesASignedProfileAloneUnlessGivenAnIdentity) {
