@@ -19,11 +19,8 @@ const QByteArray kJavaScript = "text/javascript; charset=utf-8";
 
 // What the service answers for "safari": a store app with a system app's
 // identifier, one of its own twice, and a result without an identifier.
-const QByteArray kSafariResults = R"({"resultCount": 4, "results": [
-    {"trackName": "Safari", "bundleId": "com.apple.mobilesafari", "artworkUrl60": "https://example.com/s.png"},
-    {"trackName": "Safari Reader", "bundleId": "com.example.reader", "artworkUrl60": "https://example.com/r.png"},
-    {"trackName": "Safari Reader", "bundleId": "com.example.reader"},
-    {"trackName": "No Identifier"}]})";
+const QByteArray kSafariResults =
+    quorlin::test::readFile(quorlin::test::testDataPath(QStringLiteral("apptools/safari-search.json")));
 
 QString pathOf(const QUrl& url) {
     return url.path() + u'?' + url.query(QUrl::FullyDecoded);
