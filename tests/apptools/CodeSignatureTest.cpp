@@ -16,17 +16,7 @@ using namespace quorlin::test;
 
 namespace {
 
-const QByteArray kEntitlementsXml = R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
-<plist version="1.0">
-<dict>
-	<key>com.apple.security.app-sandbox</key>
-	<true/>
-	<key>com.apple.security.network.client</key>
-	<true/>
-</dict>
-</plist>
-)";
+const QByteArray kEntitlementsXml = readFile(testDataPath(QStringLiteral("apptools/entitlements.plist")));
 
 QByteArray der(uchar tag, const QByteArray& content) {
     QByteArray length =

@@ -1,6 +1,4 @@
-#include "ToolProcess.h"
-
-#include "documents/TestPki.h"
+#include "ProfileToolTest.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -35,17 +33,11 @@ protected:
         return signedCopy;
     }
     void signWithTestIdentity(const QString& input, const QString& output) const {
-        writeFile(QStringLiteral("password.txt"), "p12 secret\n");
-        writeFile(QStringLiteral("passphrase.txt"), "store passphrase\n");
         const auto root = TestPki::issue(QStringLiteral("Quorlin Diff Root"), nullptr, true);
-        const auto leaf = TestPki::issue(kSigner, &root, false);
-        writeFile(QStringLiteral("signer.p12"),
-                  TestPki::pkcs12(leaf, {root.certificate.get()}, "p12 secret"));
-        EXPECT_EQ(m_tool
-                      .run({"identity", "import", "signer.p12", "--password-file", "password.txt",
-                            "--passphrase-file", "passphrase.txt"})
-                      .exitCode,
-                  0);
+        EXPECT_EQ(
+            test::importIdentity(m_tool, TestPki::issue(kSigner, &root, false), {root.certificate.get()})
+                .exitCode,
+            0);
         EXPECT_EQ(
             run({"sign", input, "--identity", kSigner, "-o", output, "--passphrase-file", "passphrase.txt"})
                 .exitCode,
@@ -101,7 +93,7 @@ TEST_F(DiffCommandTest, ShowGivesTheSameTextForProfilesTheSameInEffect) {
               QStringLiteral("Signature: signed by “%1”\n\n").arg(kSigner).toUtf8() + old.output);
 }
 
-TEST_F(DiffCommandTest, IdentifiersCanBeLeftOutAndBadInputIsAnError) {
+TEST_F(DiffCommandTest, IdentifiersCanBeLeftOut) {
     const QString old = test::testDataPath(QStringLiteral("diff/cases/deep-key/old.mobileconfig"));
     writeFile(QStringLiteral("renamed.mobileconfig"),
               test::readFile(old).replace("com.example.devices", "com.example.renamed"));
@@ -113,8 +105,4 @@ TEST_F(DiffCommandTest, IdentifiersCanBeLeftOutAndBadInputIsAnError) {
                                  "\"com.example.renamed\""))
         << reported.output.toStdString();
     EXPECT_EQ(run({"diff", "--ignore-identifiers", old, renamed}).exitCode, 0);
-
-    EXPECT_EQ(run({"diff", old, m_tool.path(QStringLiteral("missing.mobileconfig"))}).exitCode, 2);
-    EXPECT_EQ(run({"diff", old}).exitCode, 2);
-    EXPECT_EQ(run({"show", old, old}).exitCode, 2);
 }

@@ -4,7 +4,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::ToolRun;
 
@@ -24,31 +23,6 @@ protected:
 
 } // namespace
 
-TEST_F(DomainShowCommandTest, ListsTheKeysNestedWithTypesAndWhereTheyExist) {
-    const ToolRun shown = run({"domains", "show", "com.quorlin.test.relay"});
-    ASSERT_EQ(shown.exitCode, 0) << shown.error.toStdString();
-    const QString domainPlatforms = QStringLiteral("iOS introduced 14.0, macOS introduced 11.0");
-    EXPECT_EQ(lines(shown.output), (QStringList{
-                                       "com.quorlin.test.relay\tRelay\t" + domainPlatforms,
-                                       "  PayloadType\tstring\trequired\t" + domainPlatforms,
-                                       "  PayloadVersion\tinteger\trequired\t" + domainPlatforms,
-                                       "  PayloadUUID\tstring\trequired\t" + domainPlatforms,
-                                       "  PayloadIdentifier\tstring\trequired\t" + domainPlatforms,
-                                       "  PayloadDisplayName\tstring\trequired\t" + domainPlatforms,
-                                       "  Host\tstring\trequired\t" + domainPlatforms,
-                                       "  Port\tinteger\t-\t" + domainPlatforms,
-                                       // Its own versions win, and macOS is taken away.
-                                       "  Handoff\tboolean\t-\tiOS introduced 17.0",
-                                       "  Account\tdictionary\t-\t" + domainPlatforms,
-                                       "    User\tstring\t-\t" + domainPlatforms,
-                                       "    Token\tdata\t-\t" + domainPlatforms,
-                                   }));
-
-    const ToolRun notes = run({"domains", "show", "com.quorlin.test.notes"});
-    ASSERT_EQ(notes.exitCode, 0);
-    EXPECT_EQ(lines(notes.output).last(), "  Text\tstring\t-\tmacOS");
-}
-
 TEST_F(DomainShowCommandTest, JsonNestsSubkeysWithTheirPlatformsAndVersions) {
     const ToolRun shown = run({"domains", "show", "--json", "com.quorlin.test.relay"});
     ASSERT_EQ(shown.exitCode, 0) << shown.error.toStdString();
@@ -67,21 +41,4 @@ TEST_F(DomainShowCommandTest, JsonNestsSubkeysWithTheirPlatformsAndVersions) {
     const QJsonObject user = keyNamed(keyNamed(keys, "Account")["subkeys"].toArray(), "User");
     EXPECT_EQ(user["type"].toString(), "string");
     EXPECT_EQ(user["platforms"].toArray().size(), 2) << "a subkey inherits its parent's platforms";
-}
-
-TEST_F(DomainShowCommandTest, ListIsTheDefaultAndAnUnknownDomainIsAnError) {
-    const ToolRun listed = run({"domains", "list"});
-    EXPECT_EQ(listed.exitCode, 0);
-    EXPECT_EQ(listed.output, run({"domains"}).output);
-    EXPECT_EQ(lines(listed.output).size(), 4) << "three domains and the count of files without one";
-
-    const ToolRun unknown = run({"domains", "show", "com.quorlin.nothing"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_EQ(unknown.error, "quorlin-profile domains show: unknown domain 'com.quorlin.nothing'\n");
-    const ToolRun none = run({"domains", "show"});
-    EXPECT_EQ(none.exitCode, 2);
-    EXPECT_TRUE(none.error.startsWith("quorlin-profile domains show: give exactly one domain\n"));
-    const ToolRun help = m_tool.run({"domains", "show", "--help"});
-    EXPECT_EQ(help.exitCode, 0);
-    EXPECT_TRUE(help.output.startsWith("Usage: quorlin-profile domains show DOMAIN"));
 }

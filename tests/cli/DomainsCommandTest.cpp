@@ -122,16 +122,8 @@ TEST_F(DomainsCommandTest, AUserFolderOverridesTheBundledDomainInTheListing) {
 }
 
 TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone) {
+    // The text form is in tests/data/cli/command-lines.txt.
     const QString folder = test::testDataPath("supply/repository");
-    const ToolRun run = m_tool.run({"domains", "--manifests", folder});
-    ASSERT_EQ(run.exitCode, 0) << run.error.toStdString();
-    EXPECT_EQ(lines(run.output), (QStringList{
-                                     "com.example.mail\tMail Account\tsystem\t2\tmacOS",
-                                     "com.example.browser\tBrowser\tapplication\t3\tiOS,macOS",
-                                     "\"\"\tProfile Basics\troot\t2\tiOS,macOS,tvOS,watchOS",
-                                     "4 files gave no domain",
-                                 }));
-
     const ToolRun json = m_tool.run({"domains", "--json", "--manifests", folder});
     ASSERT_EQ(json.exitCode, 0) << json.error.toStdString();
     EXPECT_EQ(
@@ -141,32 +133,6 @@ TEST_F(DomainsCommandTest, ListsTheDomainsOfAFolderAndCountsTheFilesThatGaveNone
                     domainObject("", "Profile Basics", "root", {"iOS", "macOS", "tvOS", "watchOS"}, 2)}));
     // Standard output holds the array alone; the count goes beside it.
     EXPECT_EQ(json.error, QByteArray("4 files gave no domain\n"));
-
-    const ToolRun empty = m_tool.run({"domains", "--manifests", m_tool.path(".")});
-    ASSERT_EQ(empty.exitCode, 0);
-    EXPECT_EQ(empty.output, QByteArray("0 files gave no domain\n"));
-}
-
-TEST_F(DomainsCommandTest, RefusesAWrongCommandLineAndAFolderThatIsNone) {
-    const QString missing = m_tool.path("missing");
-    const ToolRun notAFolder = m_tool.run({"domains", "--manifests", missing});
-    EXPECT_EQ(notAFolder.exitCode, 2);
-    EXPECT_EQ(notAFolder.error,
-              QStringLiteral("quorlin-profile domains: %1: not a folder\n").arg(missing).toUtf8());
-    EXPECT_TRUE(notAFolder.output.isEmpty());
-
-    for (const QStringList& arguments :
-         {QStringList{"domains", "extra"}, QStringList{"domains", "--frobnicate"},
-          QStringList{"domains", "--manifests"}}) {
-        const ToolRun run = m_tool.run(arguments);
-        EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.error.startsWith("quorlin-profile domains: ")) << run.error.toStdString();
-    }
-    // After "--", "--json" is an operand like any other.
-    EXPECT_EQ(m_tool.run({"domains", "--", "--json"}).exitCode, 2);
-
-    const ToolRun help = m_tool.run({"--help"});
-    EXPECT_TRUE(help.output.contains("  domains ")) << help.output.toStdString();
 }
 
 TEST_F(DomainsCommandTest, StopsWithAMessageWhenTheResourcesAreMissing) {

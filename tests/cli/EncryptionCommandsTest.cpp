@@ -23,20 +23,11 @@ class EncryptionCommandsTest : public ProfileToolTest {
 protected:
     void SetUp() override {
         ProfileToolTest::SetUp();
-        writeFile("password.txt", "p12 secret\n");
-        writeFile("passphrase.txt", "store passphrase\n");
         writeFile("device.pem", TestPki::pem(device.certificate.get()));
         writeFile("other.pem", TestPki::pem(other.certificate.get()));
         writeFile("other.key", TestPki::unencryptedKeyPem(other.key.get()));
-        for (const auto* identity : {&device, &signer}) {
-            writeFile("identity.p12",
-                      TestPki::pkcs12(*identity, {authority.certificate.get()}, "p12 secret"));
-            ASSERT_EQ(m_tool
-                          .run({"identity", "import", "identity.p12", "--password-file", "password.txt",
-                                "--passphrase-file", "passphrase.txt"})
-                          .exitCode,
-                      0);
-        }
+        for (const auto* identity : {&device, &signer})
+            ASSERT_EQ(test::importIdentity(m_tool, *identity, {authority.certificate.get()}).exitCode, 0);
         plain = newProfile("relay.mobileconfig", {kRelay});
         editPayload(plain, 0,
                     [](plist::Dictionary& payload) { payload.insert("Host", "relay.example.com"); });

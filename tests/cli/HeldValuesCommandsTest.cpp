@@ -68,29 +68,6 @@ INSTANTIATE_TEST_SUITE_P(Corpus, HeldValuesCommandsTest,
                          ::testing::Values("excluded.mobileconfig", "wrong-class.mobileconfig",
                                            "undescribed-nested.mobileconfig"));
 
-TEST(HeldValuesCommands, OnePayloadIsCheckedAsAProfileAndABrokenFileNamesItsLine) {
-    test::ToolProcess tool;
-    QFile payload(tool.path("exported.mobileconfig"));
-    ASSERT_TRUE(payload.open(QIODevice::WriteOnly));
-    payload.write("<plist version=\"1.0\"><dict><key>PayloadType</key><string>com.apple.dock</string>"
-                  "<key>PayloadUUID</key><string>0D0C0000-0000-4000-8000-000000000001</string>"
-                  "<key>PayloadIdentifier</key><string>org.example.dock</string>"
-                  "<key>PayloadVersion</key><integer>1</integer></dict></plist>");
-    payload.close();
-    const ToolRun checked = tool.run({"check", "exported.mobileconfig"});
-    EXPECT_TRUE(checked.output.contains("one payload rather than a profile")) << checked.output.toStdString();
-    const ToolRun formatted = tool.run({"format", "exported.mobileconfig"});
-    EXPECT_EQ(formatted.output, "exported.mobileconfig: one payload, not a profile, left as it is\n");
-
-    QFile broken(tool.path("broken.mobileconfig"));
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write("<plist version=\"1.0\">\n<dict>\n<key>a</key>\n<string>x</dict>\n</plist>\n");
-    broken.close();
-    const ToolRun refused = tool.run({"check", "broken.mobileconfig"});
-    EXPECT_EQ(refused.exitCode, 2);
-    EXPECT_TRUE(refused.error.contains("(line 4).")) << refused.error.toStdString();
-}
-
 // A platform given without bounds takes those the editor's validation settings hold.
 TEST(HeldValuesCommands, APlatformWithoutBoundsTakesTheEditorsTargets) {
     test::ToolProcess tool;

@@ -35,13 +35,6 @@ protected:
         });
         return path;
     }
-    // "FILE: TYPE “NAME” (UUID): " for the first payload of a profile.
-    static QString payloadPrefix(const QString& file, const QString& path) {
-        const plist::Value payload = payloads(readDictionary(path)).first();
-        return QStringLiteral("%1: %2 “%3” (%4): ")
-            .arg(file, *payload.dictionary()->string("PayloadType"),
-                 *payload.dictionary()->string("PayloadDisplayName"), uuidOf(payload));
-    }
 };
 
 } // namespace
@@ -59,53 +52,6 @@ TEST_F(ProfileCommandsTest, NewMakesAProfileWithOnePayloadOfEachDomain) {
     const QSet<QString> uuids{*profile.string("PayloadUUID"), uuidOf(content[0]), uuidOf(content[1])};
     EXPECT_EQ(uuids.size(), 3);
     EXPECT_FALSE(uuids.contains(QString()));
-}
-
-TEST_F(ProfileCommandsTest, NewRefusesWhatItCannotMake) {
-    const ToolRun unknown = run({"new", kRelay, "com.quorlin.nothing", "-o", "x.mobileconfig"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_TRUE(unknown.error.contains("unknown domain 'com.quorlin.nothing'"))
-        << unknown.error.toStdString();
-    EXPECT_FALSE(QFileInfo::exists(m_tool.path("x.mobileconfig")));
-
-    const ToolRun noOutput = run({"new", kRelay});
-    EXPECT_EQ(noOutput.exitCode, 2);
-    EXPECT_TRUE(noOutput.error.startsWith("quorlin-profile new: no output file given (-o FILE)\n"));
-
-    const ToolRun unwritable = run({"new", kRelay, "-o", "missing-folder/x.mobileconfig"});
-    EXPECT_EQ(unwritable.exitCode, 2);
-    EXPECT_TRUE(unwritable.error.startsWith("missing-folder/x.mobileconfig: cannot write: "));
-}
-
-TEST_F(ProfileCommandsTest, CheckReportsEveryFieldFaultInTheEditorsWords) {
-    const QString fresh = newProfile("fresh.mobileconfig", {kRelay});
-    const ToolRun freshRun = run({"check", "fresh.mobileconfig"});
-    EXPECT_EQ(freshRun.exitCode, 1);
-    EXPECT_EQ(lines(freshRun.output), QStringList{payloadPrefix("fresh.mobileconfig", fresh) +
-                                                  "Host: This field must have a value set."});
-
-    const QString faulty = relayProfile("faulty.mobileconfig", [](plist::Dictionary& payload) {
-        payload.insert("Host", "Relay Host!");
-        payload.insert("Port", 70000);
-        payload.insert("Account", plist::Dictionary{{"User", "ab"}});
-    });
-    const ToolRun faultyRun = run({"check", "faulty.mobileconfig"});
-    EXPECT_EQ(faultyRun.exitCode, 1);
-    const QString prefix = payloadPrefix("faulty.mobileconfig", faulty);
-    EXPECT_EQ(
-        lines(faultyRun.output),
-        (QStringList{
-            prefix + "Host: The entered information is not in the correct format for this field.",
-            prefix + "Port: The entered number is higher than the maximum for this field.",
-            prefix + "Account: One of the dictionary items is invalid.",
-            prefix + "Account.User: The string has 2 character(s), which is smaller than the minimum of 3.",
-        }));
-    EXPECT_TRUE(faultyRun.error.isEmpty()) << faultyRun.error.toStdString();
-
-    relayProfile("good.mobileconfig");
-    const ToolRun goodRun = run({"check", "good.mobileconfig"});
-    EXPECT_EQ(goodRun.exitCode, 0) << goodRun.output.toStdString();
-    EXPECT_EQ(goodRun.output, "good.mobileconfig: OK\n");
 }
 
 TEST_F(ProfileCommandsTest, CheckJsonHoldsEachFindingWithItsPayloadAndKeyPath) {
@@ -132,36 +78,6 @@ TEST_F(ProfileCommandsTest, CheckJsonHoldsEachFindingWithItsPayloadAndKeyPath) {
     EXPECT_EQ(checked.error, "gone.mobileconfig: cannot open: no such file or directory\n");
 }
 
-TEST_F(ProfileCommandsTest, CheckHoldsKeysAgainstTheTargetsGiven) {
-    const QString relay = relayProfile("relay.mobileconfig",
-                                       [](plist::Dictionary& payload) { payload.insert("Handoff", true); });
-    const ToolRun untargeted = run({"check", "relay.mobileconfig"});
-    EXPECT_EQ(untargeted.exitCode, 0) << "an opened file has no targets: " << untargeted.output.toStdString();
-
-    const QString prefix = payloadPrefix("relay.mobileconfig", relay);
-    const ToolRun olderIOS =
-        run({"check", "relay.mobileconfig", "--platform", "iOS", "--os-min", "15.0", "--os-max", "16.4"});
-    EXPECT_EQ(olderIOS.exitCode, 1);
-    EXPECT_EQ(lines(olderIOS.output),
-              QStringList{prefix + "Handoff: The preference was introduced in iOS 17.0, after your maximum "
-                                   "target of 16.4."});
-
-    // No lower bound is the lowest version there is, as in the editor's targets.
-    const ToolRun unbounded = run({"check", "relay.mobileconfig", "--platform", "iOS"});
-    EXPECT_EQ(unbounded.exitCode, 1);
-    EXPECT_TRUE(
-        lines(unbounded.output)
-            .contains(prefix + "Host: The preference was introduced in iOS 14.0, after your minimum target."))
-        << unbounded.output.toStdString();
-
-    const ToolRun newerIOS = run({"check", "relay.mobileconfig", "--platform", "ios", "--os-min", "17.0"});
-    EXPECT_EQ(newerIOS.exitCode, 0) << newerIOS.output.toStdString();
-
-    const ToolRun mac = run({"check", "relay.mobileconfig", "--platform", "macOS,iOS", "--os-min", "17.0"});
-    EXPECT_EQ(mac.exitCode, 1);
-    EXPECT_EQ(lines(mac.output), QStringList{prefix + "Handoff: The preference is not supported on macOS."});
-}
-
 TEST_F(ProfileCommandsTest, CheckReportsRepeatedPayloadIdentifiersThatFormatRepairs) {
     const QString path = newProfile("twice.mobileconfig", {kNotes, kNotes});
     const plist::Array content = payloads(readDictionary(path));
@@ -185,74 +101,6 @@ TEST_F(ProfileCommandsTest, CheckReportsRepeatedPayloadIdentifiersThatFormatRepa
     EXPECT_EQ(uuidOf(repaired[0]), firstUUID) << "the first keeps its UUID";
     EXPECT_NE(uuidOf(repaired[1]), firstUUID);
     EXPECT_EQ(run({"check", "twice.mobileconfig"}).exitCode, 0);
-}
-
-TEST_F(ProfileCommandsTest, CheckOpensFoldersAndRefusesWhatIsNoConfigurationProfile) {
-    ASSERT_TRUE(QDir(m_tool.path(".")).mkpath("profiles/nested"));
-    relayProfile("profiles/good.mobileconfig");
-    const auto root = [](const QString& type) {
-        return *plist::XmlWriter::write(
-            plist::Dictionary{{"PayloadType", type}, {"PayloadContent", plist::Array{}}});
-    };
-    writeFile("profiles/nested/service.mobileconfig", root("Profile Service"));
-    writeFile("profiles/nested/enroll.mobileconfig", root("Enrollment Service"));
-    writeFile("profiles/nested/other.mobileconfig", root("Something Else"));
-    writeFile("profiles/junk.mobileconfig", "not a property list");
-    writeFile("profiles/empty.mobileconfig", "");
-    writeFile("profiles/ignored.plist", root("Profile Service"));
-
-    const ToolRun checked = run({"check", "profiles"});
-    EXPECT_EQ(checked.exitCode, 2);
-    EXPECT_EQ(checked.output, "profiles/good.mobileconfig: OK\n");
-    EXPECT_EQ(
-        lines(checked.error),
-        (QStringList{
-            "profiles/empty.mobileconfig: the file is empty",
-            "profiles/junk.mobileconfig: The document could not be opened because it is not a readable "
-            "configuration profile. Not a property list: expected '=' after the key \"not\" (line 1).",
-            "profiles/nested/enroll.mobileconfig: The document “enroll.mobileconfig” is an MDM enrollment "
-            "profile and not a configuration profile.",
-            "profiles/nested/other.mobileconfig: The document could not be opened because it is not a "
-            "readable configuration profile. Its “PayloadType” is “Something Else”, not “Configuration”.",
-            "profiles/nested/service.mobileconfig: The document “service.mobileconfig” is a profile service "
-            "payload and not a configuration profile.",
-        }));
-}
-
-TEST_F(ProfileCommandsTest, CheckUsageErrorsSayWhatIsWrong) {
-    struct Case {
-        QStringList arguments;
-        const char* message;
-    };
-    for (const Case& c : {
-             Case{{"check"}, "quorlin-profile check: no file given\n"},
-             Case{{"check", "a.mobileconfig", "--os-min", "12"},
-                  "quorlin-profile check: --os-min and --os-max need a platform (--platform NAME)\n"},
-             Case{{"check", "a.mobileconfig", "--platform", "Android"},
-                  "quorlin-profile check: unknown platform 'Android' (use iOS, macOS, tvOS, watchOS)\n"},
-             Case{{"check", "a.mobileconfig", "--strict"},
-                  "quorlin-profile check: unknown option '--strict'\n"},
-             Case{{"check", "a.mobileconfig", "--platform", "iOS", "--os-min", "fourteen"},
-                  "quorlin-profile check: --os-min takes a version such as 14 or 13.5.1, not 'fourteen'\n"},
-             Case{{"check", "a.mobileconfig", "--platform", "iOS", "--os-max", "15..1"},
-                  "quorlin-profile check: --os-max takes a version such as 14 or 13.5.1, not '15..1'\n"},
-         }) {
-        SCOPED_TRACE(c.arguments.join(u' ').toStdString());
-        const ToolRun checked = m_tool.run(c.arguments);
-        EXPECT_EQ(checked.exitCode, 2);
-        EXPECT_TRUE(checked.error.startsWith(c.message)) << checked.error.toStdString();
-        EXPECT_TRUE(checked.output.isEmpty());
-    }
-    const ToolRun badFolder = m_tool.run({"check", "a.mobileconfig", "--manifests", "nowhere"});
-    EXPECT_EQ(badFolder.exitCode, 2);
-    EXPECT_EQ(badFolder.error, "quorlin-profile check: nowhere: not a folder\n");
-    // A folder of manifests that can't read any profile is the fault, not the profile.
-    const ToolRun noGeneral = m_tool.run({"check", "a.mobileconfig", "--manifests",
-                                          quorlin::test::testDataPath("cli/manifests-without-general")});
-    EXPECT_EQ(noGeneral.exitCode, 2);
-    EXPECT_TRUE(noGeneral.error.endsWith("manifests-without-general: no manifest here describes the general "
-                                         "settings of a profile\n"))
-        << noGeneral.error.toStdString();
 }
 
 TEST_F(ProfileCommandsTest, FormatRewritesOnlyWhatIsNotInTheEditorsForm) {

@@ -2,6 +2,8 @@
 
 #include "ToolProcess.h"
 
+#include "documents/TestPki.h"
+
 #include "plist/PlistReader.h"
 #include "plist/Value.h"
 #include "plist/XmlWriter.h"
@@ -14,6 +16,22 @@
 #include <gtest/gtest.h>
 
 namespace quorlin::test {
+
+// Imports an identity and its chain into the tool's store, its password
+// "p12 secret" and its new passphrase "store passphrase" read from files.
+inline ToolRun importIdentity(const ToolProcess& tool, const TestCertificate& identity,
+                              const QList<X509*>& chain) {
+    for (const auto& [name, bytes] :
+         {std::pair{"password.txt", QByteArray("p12 secret\n")},
+          std::pair{"passphrase.txt", QByteArray("store passphrase\n")},
+          std::pair{"identity.p12", TestPki::pkcs12(identity, chain, "p12 secret")}}) {
+        QFile file(tool.path(QString::fromLatin1(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes);
+    }
+    return tool.run({"identity", "import", "identity.p12", "--password-file", "password.txt",
+                     "--passphrase-file", "passphrase.txt"});
+}
 
 // Runs the tool on profiles made at test time from the manifests of the
 // command-line tests, in a folder of the test's own.

@@ -11,6 +11,7 @@
 
 using namespace quorlin;
 using quorlin::test::CertificateValidity;
+using quorlin::test::importIdentity;
 using quorlin::test::lines;
 using quorlin::test::ProfileToolTest;
 using quorlin::test::TestCertificate;
@@ -29,10 +30,9 @@ protected:
         ProfileToolTest::SetUp();
         writeFile("password.txt", "p12 secret\n");
         writeFile("passphrase.txt", "store passphrase\n");
-        writeFile(
-            "signer.p12",
-            TestPki::pkcs12(leaf, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
+        writeFile("signer.p12", TestPki::pkcs12(leaf, chain(), "p12 secret"));
     }
+    QList<X509*> chain() const { return {intermediate.certificate.get(), root.certificate.get()}; }
 
     ToolRun importSigner() const {
         return m_tool.run({"identity", "import", "signer.p12", "--password-file", "password.txt",
@@ -194,14 +194,7 @@ TEST_F(SigningCommandsTest, VerifyJudgesTheChainApartFromTheDatesAndTakesACaFile
         SCOPED_TRACE(each.name);
         const TestCertificate signer =
             TestPki::issue(QString::fromUtf8(each.name), &intermediate, false, each.validity);
-        writeFile(
-            "other.p12",
-            TestPki::pkcs12(signer, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
-        ASSERT_EQ(m_tool
-                      .run({"identity", "import", "other.p12", "--password-file", "password.txt",
-                            "--passphrase-file", "passphrase.txt"})
-                      .exitCode,
-                  0);
+        ASSERT_EQ(importIdentity(m_tool, signer, chain()).exitCode, 0);
         const ToolRun signedRun = run({"sign", "relay.mobileconfig", "--identity", each.name, "-o",
                                        "dated.mobileconfig", "--passphrase-file", "passphrase.txt"});
         EXPECT_EQ(signedRun.exitCode, 0) << signedRun.error.toStdString();
@@ -224,14 +217,7 @@ TEST_F(SigningCommandsTest, VerifyJudgesTheChainApartFromTheDatesAndTakesACaFile
 
 TEST_F(SigningCommandsTest, IdentitiesOfOneNameAreListedAndChosenByFingerprint) {
     ASSERT_EQ(importSigner().exitCode, 0);
-    const TestCertificate twin = TestPki::issue(kSigner, &intermediate, false);
-    writeFile("twin.p12",
-              TestPki::pkcs12(twin, {intermediate.certificate.get(), root.certificate.get()}, "p12 secret"));
-    ASSERT_EQ(m_tool
-                  .run({"identity", "import", "twin.p12", "--password-file", "password.txt",
-                        "--passphrase-file", "passphrase.txt"})
-                  .exitCode,
-              0);
+    ASSERT_EQ(importIdentity(m_tool, TestPki::issue(kSigner, &intermediate, false), chain()).exitCode, 0);
     goodProfile("relay.mobileconfig");
     const QJsonArray identities =
         QJsonDocument::fromJson(m_tool.run({"identity", "list", "--json"}).output).array();
@@ -261,25 +247,28 @@ TEST_F(SigningCommandsTest, SignRefusesUnknownIdentitiesWrongPassphrasesAndNonPr
     writeFile("wrong.txt", "not the passphrase\n");
     writeFile("junk.mobileconfig", "junk");
 
-    const ToolRun unknown = run({"sign", "relay.mobileconfig", "--identity", "Nobody", "-o", "out"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_TRUE(unknown.error.startsWith("relay.mobileconfig: no signing identity named “Nobody”"));
-    const ToolRun wrong = run(
-        {"sign", "relay.mobileconfig", "--identity", kSigner, "-o", "out", "--passphrase-file", "wrong.txt"});
-    EXPECT_EQ(wrong.exitCode, 2);
-    EXPECT_EQ(wrong.error, "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: wrong passphrase or "
-                           "unreadable key\n");
-    const ToolRun noTerminal = run({"sign", "relay.mobileconfig", "--identity", kSigner, "-o", "out"});
-    EXPECT_EQ(noTerminal.exitCode, 2);
-    EXPECT_TRUE(noTerminal.error.contains("no terminal to ask at")) << noTerminal.error.toStdString();
-    const ToolRun junk = sign("junk.mobileconfig", "out");
-    EXPECT_EQ(junk.exitCode, 2);
-    EXPECT_EQ(junk.error, "junk.mobileconfig: The document could not be opened because it is not a readable "
-                          "configuration profile. The property list holds no dictionary at its top.\n");
+    const struct {
+        QStringList arguments;
+        const char* error;
+    } cases[] = {
+        {{"relay.mobileconfig", "--identity", "Nobody"},
+         "relay.mobileconfig: no signing identity named “Nobody”"},
+        {{"relay.mobileconfig", "--identity", kSigner, "--passphrase-file", "wrong.txt"},
+         "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: wrong passphrase or unreadable key\n"},
+        {{"relay.mobileconfig", "--identity", kSigner},
+         "relay.mobileconfig: cannot sign with “Quorlin CLI Signer”: no terminal to ask at"},
+        {{"junk.mobileconfig", "--identity", kSigner, "--passphrase-file", "passphrase.txt"},
+         "junk.mobileconfig: The document could not be opened because it is not a readable configuration "
+         "profile. The property list holds no dictionary at its top.\n"},
+        {{"relay.mobileconfig"}, "quorlin-profile sign: no identity given (--identity NAME)\n"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.arguments.join(u' ').toStdString());
+        const ToolRun refused = run(QStringList{"sign"} + each.arguments + QStringList{"-o", "out"});
+        EXPECT_EQ(refused.exitCode, 2);
+        EXPECT_TRUE(refused.error.startsWith(each.error)) << refused.error.toStdString();
+    }
     EXPECT_FALSE(QFileInfo::exists(m_tool.path("out")));
-    const ToolRun noIdentity = run({"sign", "relay.mobileconfig", "-o", "out"});
-    EXPECT_EQ(noIdentity.exitCode, 2);
-    EXPECT_TRUE(noIdentity.error.startsWith("quorlin-profile sign: no identity given (--identity NAME)\n"));
 }
 
 TEST_F(SigningCommandsTest, FormatLeavesASignedProfileAloneUnlessGivenAnIdentity) {

@@ -27,16 +27,10 @@ protected:
 
     EncryptedDocumentTest() { environment->encryptionServices = envelopes; }
 
-    static QByteArray der(const TestCertificate& identity) {
-        openssl::Bio out(BIO_new(BIO_s_mem()));
-        i2d_X509_bio(out.get(), identity.certificate.get());
-        return openssl::memoryContents(out.get());
-    }
-
     QByteArray sealedFor(const QList<const TestCertificate*>& recipients) {
         QList<QByteArray> certificates;
         for (const TestCertificate* recipient : recipients)
-            certificates.append(der(*recipient));
+            certificates.append(der(recipient->certificate.get()));
         return envelopes->encrypt(*plist::XmlWriter::write(plist::Value(payloads)), certificates).value();
     }
 

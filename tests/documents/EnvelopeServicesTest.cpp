@@ -25,12 +25,6 @@ protected:
 
     void SetUp() override { ASSERT_TRUE(importIdentity(device)); }
 
-    static QByteArray der(X509* certificate) {
-        openssl::Bio out(BIO_new(BIO_s_mem()));
-        i2d_X509_bio(out.get(), certificate);
-        return openssl::memoryContents(out.get());
-    }
-
     QString certificateFile(const TestCertificate& identity, const QString& name) const {
         return writeFile(name + QStringLiteral(".pem"), TestPki::pem(identity.certificate.get()));
     }

@@ -15,13 +15,16 @@ protected:
     // Signed by a signer not on this machine, with a malformed element and
     // two payloads that share a UUID: every opening notice applies.
     QByteArray troubledProfile() {
-        const QString type = QStringLiteral("com.example.everything");
-        const QString uuid = QStringLiteral("AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE");
-        return signedBytes(xml(profileTree({payload(type, uuid, QStringLiteral("org.example.one")),
-                                            payload(type, uuid, QStringLiteral("org.example.two")),
-                                            QStringLiteral("not a payload")})),
-                           false);
+        plist::Array content =
+            sharingOneUuid(QStringLiteral("org.example.one"), QStringLiteral("org.example.two"));
+        content.append(QStringLiteral("not a payload"));
+        return signedBytes(xml(profileTree(content)), false);
     }
+    static plist::Array sharingOneUuid(const QString& first, const QString& second) {
+        return {payload(QStringLiteral("com.example.everything"), uuid, first),
+                payload(QStringLiteral("com.example.everything"), uuid, second)};
+    }
+    static inline const QString uuid = QStringLiteral("AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE");
 
     static int replyTo(RecordingNoticePresenter::Shown& shown, int tag, bool suppress) {
         shown.reply({tag, suppress});
@@ -101,10 +104,8 @@ TEST_F(ProfileDocumentNoticeTest, CheckBoxSilencesANoticeWhicheverButtonWasPress
 }
 
 TEST_F(ProfileDocumentNoticeTest, FixAndSaveRepairsTheIdentifiersAndSavesInPlace) {
-    const QString type = QStringLiteral("com.example.everything");
-    const QString uuid = QStringLiteral("AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE");
-    auto document = openDocument(xml(profileTree({payload(type, uuid, QStringLiteral("org.example.same")),
-                                                  payload(type, uuid, QStringLiteral("org.example.same"))})));
+    auto document = openDocument(xml(
+        profileTree(sharingOneUuid(QStringLiteral("org.example.same"), QStringLiteral("org.example.same")))));
     ASSERT_TRUE(document->makeWindowControllers());
     document->windowDidShow();
     document->presentOpeningNotices();
@@ -125,10 +126,8 @@ TEST_F(ProfileDocumentNoticeTest, FixAndSaveRepairsTheIdentifiersAndSavesInPlace
 
 TEST_F(ProfileDocumentNoticeTest, FixAndSaveThatCannotWriteShowsTheError) {
     // The profile names an identity that isn't there, so the save gives no data.
-    const QString type = QStringLiteral("com.example.everything");
-    const QString uuid = QStringLiteral("AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE");
-    auto document = openDocument(xml(profileTree({payload(type, uuid, QStringLiteral("org.example.a")),
-                                                  payload(type, uuid, QStringLiteral("org.example.b"))})));
+    auto document = openDocument(
+        xml(profileTree(sharingOneUuid(QStringLiteral("org.example.a"), QStringLiteral("org.example.b")))));
     ASSERT_TRUE(document->makeWindowControllers());
     document->setSaveSignedWithCommonName(QStringLiteral("Deleted Identity"));
     document->windowDidShow();

@@ -57,6 +57,12 @@ protected:
         return file.fileName();
     }
 
+    static QByteArray der(X509* certificate) {
+        openssl::Bio out(BIO_new(BIO_s_mem()));
+        i2d_X509_bio(out.get(), certificate);
+        return openssl::memoryContents(out.get());
+    }
+
     QByteArray chainPem() const {
         return TestPki::pem(intermediate.certificate.get()) + TestPki::pem(root.certificate.get());
     }

@@ -1,6 +1,5 @@
 #include "workspace/DocumentIssueList.h"
 #include "WorkspaceTestSupport.h"
-#include "schema/SchemaTrees.h"
 #include "workspace/EditHistory.h"
 #include "workspace/PFMSectionViewController.h"
 
@@ -12,23 +11,12 @@ namespace {
 using namespace test;
 using Direction = DocumentIssueList::Direction;
 
-std::shared_ptr<const PFMDomain> relayDomain(const QString& title) {
-    return PFMDomain::make(
-        manifestTree(QStringLiteral("com.example.") + title.toLower(),
-                     {keyTree(QStringLiteral("ServerName"), QStringLiteral("string"),
-                              {{QStringLiteral("pfm_require"), QStringLiteral("always")},
-                               {QStringLiteral("pfm_title"), QStringLiteral("Server Name")}}),
-                      keyTree(QStringLiteral("Port"), QStringLiteral("integer"),
-                              {{QStringLiteral("pfm_range_max"), 100}})},
-                     {{QStringLiteral("pfm_title"), title}}));
-}
-
 // Beta, then Alpha with two payloads: each payload lacks its required server.
 class DocumentIssues : public ::testing::Test {
 protected:
     DocumentIssues()
-        : domains{fixtureDomain(QStringLiteral("root")), relayDomain(QStringLiteral("Beta")),
-                  relayDomain(QStringLiteral("Alpha"))}
+        : domains{fixtureDomain(QStringLiteral("root")), workspaceDomain(QStringLiteral("beta")),
+                  workspaceDomain(QStringLiteral("alpha"))}
         , profile(Profile::makeNewProfile(domains, makeTestEnvironment()))
         , collection(domains) {
         for (PFMSection* section : collection.sectionPointers()) {

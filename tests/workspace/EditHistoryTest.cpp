@@ -5,8 +5,6 @@
 #include "fields/ValueBinding.h"
 #include "workspace/PFMSectionViewController.h"
 
-#include <QMap>
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -239,7 +237,7 @@ PreferenceKeyValue withRowChanged(const PreferenceKey::Pointer& table, std::mt19
 
 TEST_F(EditHistoryTest, UndoingAnySequenceRestoresTheBytesAndRedoReplaysThem) {
     std::mt19937 random(20261122);
-    QMap<int, QByteArray> bytesAtIndex{{0, bytes()}};
+    StepRecorder steps(m_history.undoStack(), [this] { return bytes(); });
     for (int step = 0; step < 300; ++step) {
         const int choice = int(random() % 100);
         if (choice < 45 || !m_section->sectionViewController()) {
@@ -266,35 +264,17 @@ TEST_F(EditHistoryTest, UndoingAnySequenceRestoresTheBytesAndRedoReplaysThem) {
         }
         if (random() % 7 == 0)
             m_history.undoStack().undo();
-        bytesAtIndex[m_history.undoStack().index()] = bytes();
-        // A step undone is gone once another is pushed: forget what lies beyond.
-        bytesAtIndex.removeIf([&](auto entry) { return entry.key() > m_history.undoStack().index(); });
+        steps.record();
     }
-    const int top = m_history.undoStack().count();
-    ASSERT_GT(top, 100);
-    m_history.undoStack().setIndex(top);
-    const QByteArray last = bytes();
-
-    for (int index = top - 1; index >= 0; --index) {
-        m_history.undoStack().undo();
-        if (bytesAtIndex.contains(index)) {
-            ASSERT_EQ(bytes(), bytesAtIndex.value(index)) << "after undoing to step " << index;
-        }
+    ASSERT_GT(m_history.undoStack().count(), 100);
+    const QByteArray last = steps.undoAll([this] {
         if (m_section->sectionViewController())
             expectFormsMatchProfile();
-    }
-    EXPECT_EQ(bytes(), bytesAtIndex.value(0));
+    });
     EXPECT_EQ(m_history.changeCount(), 0);
-
-    m_history.undoStack().setIndex(top);
+    m_history.undoStack().setIndex(m_history.undoStack().count());
     EXPECT_EQ(bytes(), last);
 }
-
-} // namespace
-} // namespace quorlin
-
-namespace quorlin {
-namespace {
 
 // A profile read with values the keys can't bind: setting a key and removing
 // held values are steps that undo gives back with what each key held, and

@@ -1,5 +1,4 @@
 #include "WorkspaceTestSupport.h"
-#include "schema/SchemaTrees.h"
 #include "workspace/EditHistory.h"
 #include "workspace/PFMSectionViewController.h"
 
@@ -26,18 +25,8 @@ struct OpenSection {
     EditHistory history;
 };
 
-std::shared_ptr<const PFMDomain> hiddenKeysDomain() {
-    return PFMDomain::make(
-        manifestTree(QStringLiteral("com.example.hidden"),
-                     {keyTree(QStringLiteral("PayloadDisplayName"), QStringLiteral("string"),
-                              {{QStringLiteral("pfm_default"), QStringLiteral("Hidden")},
-                               {QStringLiteral("pfm_quorlin_user_visible"), false}}),
-                      keyTree(QStringLiteral("Internal"), QStringLiteral("string"),
-                              {{QStringLiteral("pfm_quorlin_user_visible"), false}})}));
-}
-
 TEST(PayloadForm, WithNothingToShowAndNoFilterIsEmptyNotFiltered) {
-    OpenSection open(hiddenKeysDomain());
+    OpenSection open(workspaceDomain(QStringLiteral("hidden")));
     open.history.addPayload(open.section, open.profile);
     PayloadViewController& form = *open.form().payloadControllers().front();
     EXPECT_TRUE(form.fieldViewControllers().empty());
@@ -67,12 +56,7 @@ TEST(PayloadForm, RemovingTheExpandedFormOfTwoExpandsTheOther) {
 }
 
 TEST(PayloadForm, SinglePayloadSectionTakesOneAndHasNoCollapseButton) {
-    OpenSection open(
-        PFMDomain::make(manifestTree(QStringLiteral("com.example.single"),
-                                     {keyTree(QStringLiteral("PayloadDisplayName"), QStringLiteral("string"),
-                                              {{QStringLiteral("pfm_default"), QStringLiteral("Single")},
-                                               {QStringLiteral("pfm_require"), QStringLiteral("always")}})},
-                                     {{QStringLiteral("pfm_quorlin_single_payload"), true}})));
+    OpenSection open(workspaceDomain(QStringLiteral("single")));
     EXPECT_EQ(open.history.addPayload(open.section, open.profile), PFMSection::AddPayloadResult::added);
     EXPECT_EQ(open.history.addPayload(open.section, open.profile), PFMSection::AddPayloadResult::refused);
     // A refused add leaves no step to undo.
@@ -84,11 +68,7 @@ TEST(PayloadForm, SinglePayloadSectionTakesOneAndHasNoCollapseButton) {
 }
 
 TEST(PayloadForm, RecountingPicksUpNewTargets) {
-    const auto domain = PFMDomain::make(
-        manifestTree(QStringLiteral("com.example.mac"),
-                     {keyTree(QStringLiteral("MacOnly"), QStringLiteral("string"),
-                              {{QStringLiteral("pfm_quorlin_platforms"), plist::Array{"macos"}}})}));
-    OpenSection open(domain);
+    OpenSection open(workspaceDomain(QStringLiteral("mac-only")));
     open.history.addPayload(open.section, open.profile);
     open.history.setValue(
         open.form().payloadControllers().front()->payload()->keyAtPath(QStringLiteral("MacOnly")),

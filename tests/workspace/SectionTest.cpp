@@ -137,19 +137,9 @@ TEST(SectionStrings, NamePlatformsAndSupervision) {
 
 TEST(UnfamiliarSections, OneRowPerUnknownTypeCountingItsPayloads) {
     const auto domains = fixtureDomains();
-    const QByteArray profileData = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>PayloadType</key><string>Configuration</string>
-<key>PayloadVersion</key><integer>1</integer>
-<key>PayloadUUID</key><string>11111111-1111-4111-8111-111111111111</string>
-<key>PayloadIdentifier</key><string>com.example.profile</string>
-<key>PayloadDisplayName</key><string>Profile</string>
-<key>PayloadContent</key><array>
-<dict><key>PayloadType</key><string>com.example.unknown</string><key>PayloadUUID</key><string>A</string></dict>
-<dict><key>PayloadType</key><string>com.example.unknown</string><key>PayloadUUID</key><string>B</string></dict>
-<dict><key>PayloadType</key><string>com.example.other</string><key>PayloadUUID</key><string>C</string></dict>
-</array></dict></plist>)";
-    const auto profile = Profile::parseProfile(profileData, domains, makeTestEnvironment());
+    const auto profile =
+        Profile::parseProfile(readFile(testDataPath(QStringLiteral("workspace/unfamiliar.mobileconfig"))),
+                              domains, makeTestEnvironment());
     ASSERT_TRUE(profile);
     PFMSectionCollection collection(domains);
     SectionArrayController list;
@@ -197,12 +187,7 @@ TEST(SectionSelection, ClickedRowWinsAndGroupTitlesBlockMoving) {
 }
 
 TEST(SectionBadge, FollowsTheValidationOfItsFields) {
-    const auto relay =
-        PFMDomain::make(manifestTree(QStringLiteral("com.example.relay"),
-                                     {keyTree(QStringLiteral("ServerName"), QStringLiteral("string"),
-                                              {{QStringLiteral("pfm_require"), QStringLiteral("always")}}),
-                                      keyTree(QStringLiteral("Port"), QStringLiteral("integer"),
-                                              {{QStringLiteral("pfm_range_max"), 100}})}));
+    const auto relay = workspaceDomain(QStringLiteral("relay"));
     const Profile::DomainList domains{fixtureDomain(QStringLiteral("root")), relay};
     const auto profile = Profile::makeNewProfile(domains, makeTestEnvironment());
     PFMSectionCollection collection(domains);
@@ -230,12 +215,7 @@ TEST(SectionBadge, FollowsTheValidationOfItsFields) {
 }
 
 TEST(FileSections, RefuseAnEmptyFileWhateverItsExtension) {
-    const auto fileDomain = PFMDomain::make(manifestTree(
-        QStringLiteral("com.example.cert"),
-        {keyTree(QStringLiteral("PayloadContent"), QStringLiteral("data"),
-                 {{QStringLiteral("pfm_quorlin_allowed_file_extensions"), plist::Array{"cer"}}})},
-        {{QStringLiteral("pfm_quorlin_file_based_payload"), true},
-         {QStringLiteral("pfm_quorlin_payload_file_data_subkey"), QStringLiteral("PayloadContent")}}));
+    const auto fileDomain = workspaceDomain(QStringLiteral("certificate"));
     ASSERT_TRUE(fileDomain);
     const Profile::DomainList domains{fixtureDomain(QStringLiteral("root")), fileDomain};
     const auto profile = Profile::makeNewProfile(domains, makeTestEnvironment());

@@ -5,7 +5,6 @@
 #include "workspace/SectionArrayController.h"
 
 #include <QFile>
-#include <QMap>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -20,23 +19,13 @@ using namespace test;
 const QString everythingType = QStringLiteral("com.example.everything");
 const QString certificateType = QStringLiteral("com.example.cert");
 
-std::shared_ptr<const PFMDomain> certificateDomain() {
-    return PFMDomain::make(manifestTree(
-        certificateType,
-        {keyTree(QStringLiteral("PayloadContent"), QStringLiteral("data"),
-                 {{QStringLiteral("pfm_quorlin_allowed_file_extensions"), plist::Array{"cer"}}})},
-        {{QStringLiteral("pfm_title"), QStringLiteral("Certificate")},
-         {QStringLiteral("pfm_quorlin_file_based_payload"), true},
-         {QStringLiteral("pfm_quorlin_payload_file_data_subkey"), QStringLiteral("PayloadContent")}}));
-}
-
 // A document opened from a file that holds payloads no domain knows, with
 // its side-bar list and its history, as a window has them.
 class UndoableEditsTest : public testing::Test {
 protected:
     void SetUp() override {
         m_domains = fixtureDomains();
-        m_domains.append(certificateDomain());
+        m_domains.append(workspaceDomain(QStringLiteral("certificate")));
         const auto parsed = Profile::parseProfile(
             readFile(testDataPath(QStringLiteral("model/profiles/unknown-payloads-first.mobileconfig"))),
             m_domains, makeTestEnvironment());
@@ -220,7 +209,7 @@ TEST_F(UndoableEditsTest, ASaveThatRepairsLeavesNoChangesAndUndoGoesBackPastIt) 
 
 TEST_F(UndoableEditsTest, AnySequenceOfEditsUndoesToTheStartAndRedoesToTheEnd) {
     std::mt19937 random(1122);
-    QMap<int, QByteArray> bytesAtIndex{{0, bytes()}};
+    StepRecorder steps(m_history.undoStack(), [this] { return bytes(); });
     int files = 0;
     for (int step = 0; step < 160; ++step) {
         const int choice = int(random() % 100);
@@ -257,23 +246,12 @@ TEST_F(UndoableEditsTest, AnySequenceOfEditsUndoesToTheStartAndRedoesToTheEnd) {
         }
         if (random() % 6 == 0)
             m_history.undoStack().undo();
-        bytesAtIndex[m_history.undoStack().index()] = bytes();
-        bytesAtIndex.removeIf([&](auto entry) { return entry.key() > m_history.undoStack().index(); });
+        steps.record();
     }
-    const int top = m_history.undoStack().count();
-    ASSERT_GT(top, 60);
-    m_history.undoStack().setIndex(top);
-    const QByteArray last = bytes();
-
-    for (int index = top - 1; index >= 0; --index) {
-        m_history.undoStack().undo();
-        if (bytesAtIndex.contains(index)) {
-            ASSERT_EQ(bytes(), bytesAtIndex.value(index)) << "after undoing to step " << index;
-        }
-    }
-    EXPECT_EQ(bytes(), bytesAtIndex.value(0));
+    ASSERT_GT(m_history.undoStack().count(), 60);
+    const QByteArray last = steps.undoAll();
     EXPECT_EQ(unfamiliarSections().size(), 2);
-    m_history.undoStack().setIndex(top);
+    m_history.undoStack().setIndex(m_history.undoStack().count());
     EXPECT_EQ(bytes(), last);
 }
 

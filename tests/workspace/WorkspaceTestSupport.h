@@ -7,8 +7,13 @@
 #include "workspace/PFMSectionCollection.h"
 
 #include <QDir>
+#include <QMap>
 #include <QString>
+#include <QUndoStack>
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <memory>
 
 namespace quorlin::test {
@@ -21,6 +26,12 @@ inline Profile::DomainList domainsInFolder(const QString& folder) {
             domains.append(domain);
     }
     return domains;
+}
+
+// A manifest of tests/data/workspace/manifests.
+inline std::shared_ptr<const PFMDomain> workspaceDomain(const QString& name) {
+    return PFMDomain::make(
+        readDictionary(testDataPath(QStringLiteral("workspace/manifests/%1.plist").arg(name))));
 }
 
 // The domains given, behind the general domain of the model's fixtures
@@ -47,5 +58,42 @@ inline PFMSection* sectionTitled(const PFMSectionCollection& collection, const Q
     }
     return nullptr;
 }
+
+// Remembers the bytes at each step of a history while random edits go on,
+// then undoes every step, checking the bytes wherever it remembered them.
+class StepRecorder {
+public:
+    StepRecorder(QUndoStack& stack, std::function<QByteArray()> bytes)
+        : m_stack(stack)
+        , m_bytes(std::move(bytes)) {
+        m_at.insert(0, m_bytes());
+    }
+
+    void record() {
+        m_at[m_stack.index()] = m_bytes();
+        // A step undone is gone once another is pushed: forget what lies beyond.
+        m_at.removeIf([this](auto entry) { return entry.key() > m_stack.index(); });
+    }
+    // From the top of the stack down to nothing; the bytes at the top.
+    QByteArray undoAll(const std::function<void()>& afterEachUndo = {}) {
+        m_stack.setIndex(m_stack.count());
+        const QByteArray top = m_bytes();
+        for (int index = m_stack.count() - 1; index >= 0; --index) {
+            m_stack.undo();
+            if (m_at.contains(index)) {
+                EXPECT_EQ(m_bytes(), m_at.value(index)) << "after undoing to step " << index;
+            }
+            if (afterEachUndo)
+                afterEachUndo();
+        }
+        EXPECT_EQ(m_bytes(), m_at.value(0));
+        return top;
+    }
+
+private:
+    QUndoStack& m_stack;
+    std::function<QByteArray()> m_bytes;
+    QMap<int, QByteArray> m_at;
+};
 
 } // namespace quorlin::test
