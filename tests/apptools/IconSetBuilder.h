@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QtEndian>
+
+#include <utility>
+
+namespace quorlin::test {
+
+// A PNG of one colour, made here rather than committed.
+inline QByteArray pngImage(int side, QColor colour = Qt::darkCyan) {
+    QImage image(side, side, QImage::Format_ARGB32);
+    image.fill(colour);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+inline QByteArray bigEndian(quint32 word) {
+    QByteArray bytes(4, '\0');
+    qToBigEndian(word, bytes.data());
+    return bytes;
+}
+
+// An icon set as the Mac's tools write one: "icns", the whole length, then
+// each chunk's four-letter type, its length with its header, its bytes.
+inline QByteArray iconSet(const QList<std::pair<QByteArray, QByteArray>>& chunks) {
+    QByteArray body;
+    for (const auto& [type, bytes] : chunks)
+        body += type + bigEndian(quint32(bytes.size() + 8)) + bytes;
+    return QByteArrayLiteral("icns") + bigEndian(quint32(body.size() + 8)) + body;
+}
+
+} // namespace quorlin::test
