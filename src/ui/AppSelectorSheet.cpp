@@ -175,7 +175,7 @@ std::optional<apptools::ChosenApp> AppSelectorSheet::chosenApp() const {
         return m_chosenFile;
     if (!m_chosenBundleId)
         return std::nullopt;
-    // A row's name stands, but the store may name the app better later.
+    // The field asks the store for a row's name and icon by the identifier.
     return apptools::ChosenApp{*m_chosenBundleId, {}, {}, {}, {}};
 }
 

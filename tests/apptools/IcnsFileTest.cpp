@@ -17,7 +17,7 @@ namespace {
 const QByteArray jpeg2000 = QByteArray::fromHex("0000000c6a5020200d0a870a") + QByteArray(64, 'j');
 
 QByteArray withWord(QByteArray bytes, qsizetype at, quint32 word) {
-    return bytes.replace(at, 4, bigEndian(word));
+    return bytes.replace(at, 4, ProgramFiles::bigEndianWord(word));
 }
 
 } // namespace

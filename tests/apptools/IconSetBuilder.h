@@ -1,30 +1,20 @@
 #pragma once
 
-#include <QBuffer>
-#include <QByteArray>
-#include <QColor>
-#include <QImage>
-#include <QList>
-#include <QtEndian>
+#include "ProgramFiles.h"
 
-#include <utility>
+#include <QBuffer>
+#include <QImage>
 
 namespace quorlin::test {
 
 // A PNG of one colour, made here rather than committed.
-inline QByteArray pngImage(int side, QColor colour = Qt::darkCyan) {
+inline QByteArray pngImage(int side) {
     QImage image(side, side, QImage::Format_ARGB32);
-    image.fill(colour);
+    image.fill(Qt::darkCyan);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
-    return bytes;
-}
-
-inline QByteArray bigEndian(quint32 word) {
-    QByteArray bytes(4, '\0');
-    qToBigEndian(word, bytes.data());
     return bytes;
 }
 
@@ -33,8 +23,8 @@ inline QByteArray bigEndian(quint32 word) {
 inline QByteArray iconSet(const QList<std::pair<QByteArray, QByteArray>>& chunks) {
     QByteArray body;
     for (const auto& [type, bytes] : chunks)
-        body += type + bigEndian(quint32(bytes.size() + 8)) + bytes;
-    return QByteArrayLiteral("icns") + bigEndian(quint32(body.size() + 8)) + body;
+        body += type + ProgramFiles::bigEndianWord(quint32(bytes.size() + 8)) + bytes;
+    return QByteArrayLiteral("icns") + ProgramFiles::bigEndianWord(quint32(body.size() + 8)) + body;
 }
 
 } // namespace quorlin::test

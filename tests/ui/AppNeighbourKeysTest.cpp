@@ -12,6 +12,7 @@
 #include "ui/FileInstrumentWidget.h"
 
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
@@ -25,47 +26,40 @@ namespace {
 
 using namespace test;
 
-const QString privacyDomain = QStringLiteral("com.example.privacy");
+const QString domain = QStringLiteral("com.example.privacy");
+const QString sample = QStringLiteral("com.quorlin.sample");
 const QString team = QStringLiteral("QRLN123456");
 const QString requirementText = QStringLiteral(
     R"(identifier "com.quorlin.sample" and anchor apple generic and certificate leaf[subject.OU] = QRLN123456)");
 
-plist::Dictionary key(const QString& name, bool app = false, const plist::Array& range = {}) {
-    plist::Dictionary key{{QStringLiteral("pfm_name"), name},
-                          {QStringLiteral("pfm_title"), name},
-                          {QStringLiteral("pfm_type"), QStringLiteral("string")}};
-    if (app)
-        key.insert(QStringLiteral("pfm_quorlin_control_type"), QStringLiteral("bundle-id"));
-    if (!range.isEmpty())
-        key.insert(QStringLiteral("pfm_range_list"), range);
-    return key;
+plist::Dictionary key(const char* name, const char* control = nullptr) {
+    plist::Dictionary made{{"pfm_name", name}, {"pfm_type", "string"}};
+    if (control)
+        made.insert(QStringLiteral("pfm_quorlin_control_type"), QString::fromLatin1(control));
+    return made;
 }
 
-plist::Dictionary rows(const QString& name, const plist::Array& columns) {
-    const plist::Dictionary item{{QStringLiteral("pfm_type"), QStringLiteral("dictionary")},
-                                 {QStringLiteral("pfm_subkeys"), columns}};
-    return {{QStringLiteral("pfm_name"), name},
-            {QStringLiteral("pfm_type"), QStringLiteral("array")},
-            {QStringLiteral("pfm_subkeys"), plist::Array{item}}};
+plist::Dictionary rows(const char* name, const plist::Array& columns) {
+    return {{"pfm_name", name},
+            {"pfm_type", "array"},
+            {"pfm_subkeys",
+             plist::Array{plist::Dictionary{{"pfm_type", "dictionary"}, {"pfm_subkeys", columns}}}}};
 }
 
-// Rows of a privacy payload (the app and the app it sends events to), rows
-// of login-item rules, and an extension with its team at the top level.
-std::shared_ptr<const PFMDomain> privacyDomainWithKeys() {
-    const plist::Array types{QStringLiteral("bundleID"), QStringLiteral("path")};
-    const plist::Array services{key("Identifier", true),
-                                key("IdentifierType", false, types),
-                                key("CodeRequirement"),
-                                key("AEReceiverIdentifier", true),
-                                key("AEReceiverIdentifierType", false, types),
-                                key("AEReceiverCodeRequirement")};
-    const plist::Array rules{key("BundleIdentifier", true), key("TeamIdentifier")};
-    return domainWithKeys(plist::Array{rows("Services", services), rows("Rules", rules),
-                                       key("ExtensionIdentifier", true), key("TeamIdentifier")},
-                          privacyDomain);
+// Privacy rows (the app, and the app it sends events to), login-item rules,
+// and an extension with its team at the top level.
+std::shared_ptr<const PFMDomain> privacyDomain() {
+    const plist::Array services{key("Identifier", "bundle-id"),  key("IdentifierType"),
+                                key("CodeRequirement"),          key("AEReceiverIdentifier", "bundle-id"),
+                                key("AEReceiverIdentifierType"), key("AEReceiverCodeRequirement")};
+    return domainWithKeys(
+        plist::Array{rows("Services", services),
+                     rows("Rules", {key("BundleIdentifier", "bundle-id"), key("TeamIdentifier")}),
+                     key("ExtensionIdentifier", "bundle-id"), key("TeamIdentifier")},
+        domain);
 }
 
-// Chooses an app on disk in the real sheet, or an identifier as a store row gives it.
+// Takes an app on disk in the real sheet; without one, an identifier as a store row gives it.
 class SheetChooser : public ScriptedChooser {
 public:
     std::optional<QString> appPath;
@@ -80,81 +74,69 @@ public:
 
 class AppNeighbourKeysTest : public InstrumentWidgetFixture {
 protected:
+    // Sample.app, signed by a developer of the test PKI, with an icon set.
     void SetUp() override {
         ASSERT_FALSE(ProgramFiles::arm64().isEmpty()) << "clang and ld64.lld are needed";
-        open({privacyDomainWithKeys()});
-        m_app = makeSignedApp();
-    }
-
-    // Sample.app, signed by a developer of the test PKI, with an icon set.
-    QString makeSignedApp() const {
+        open({privacyDomain()});
         const TestCertificate root = TestPki::issue(QStringLiteral("Quorlin Test Root"), nullptr, true);
-        const TestCertificate leaf = TestPki::issue(
-            QStringLiteral("Developer ID Application: Quorlin Tests (QRLN123456)"), &root, false);
-        SignatureParts parts;
-        parts.identifier = QStringLiteral("com.quorlin.sample");
-        parts.teamIdentifier = team;
+        const TestCertificate leaf = TestPki::issue(QStringLiteral("Developer ID Application"), &root, false);
         using namespace requirement;
-        parts.designatedRequirement = both(both(identifier("com.quorlin.sample"), appleGenericAnchor()),
-                                           certificateField(0, "subject.OU", equals(team.toLatin1())));
-        parts.signer = leaf.certificate.get();
-        parts.signerKey = leaf.key.get();
-        parts.storedCertificates = {leaf.certificate.get(), root.certificate.get()};
-        const QString app = m_folder.filePath(QStringLiteral("Sample.app/Contents/"));
-        EXPECT_TRUE(ProgramFiles::write(
-            app + QStringLiteral("MacOS/Sample"),
+        SignatureParts parts{sample,
+                             team,
+                             0,
+                             both(both(identifier(sample.toLatin1()), appleGenericAnchor()),
+                                  certificateField(0, "subject.OU", equals(team.toLatin1()))),
+                             {},
+                             {},
+                             leaf.certificate.get(),
+                             leaf.key.get(),
+                             {leaf.certificate.get()}};
+        const QString contents = m_app + QStringLiteral("/Contents/");
+        ASSERT_TRUE(ProgramFiles::write(
+            contents + QStringLiteral("MacOS/Sample"),
             ProgramFiles::withSignature(ProgramFiles::arm64(), embeddedSignature(parts))));
-        EXPECT_TRUE(ProgramFiles::write(app + QStringLiteral("Resources/Sample.icns"),
+        ASSERT_TRUE(ProgramFiles::write(contents + QStringLiteral("Resources/Sample.icns"),
                                         iconSet({{"ic07", pngImage(128)}})));
-        EXPECT_TRUE(ProgramFiles::write(
-            app + QStringLiteral("Info.plist"),
-            *plist::XmlWriter::write(plist::Dictionary{{"CFBundleExecutable", "Sample"},
-                                                       {"CFBundleIdentifier", "com.quorlin.sample"},
-                                                       {"CFBundleName", "Sample"},
-                                                       {"CFBundleIconFile", "Sample"}})));
-        return m_folder.filePath(QStringLiteral("Sample.app"));
+        ASSERT_TRUE(
+            ProgramFiles::write(contents + QStringLiteral("Info.plist"),
+                                *plist::XmlWriter::write(plist::Dictionary{{"CFBundleExecutable", "Sample"},
+                                                                           {"CFBundleIdentifier", sample},
+                                                                           {"CFBundleName", "Sample"},
+                                                                           {"CFBundleIconFile", "Sample"}})));
     }
 
-    // A row of the table, filled with values of another app.
-    void showRow(const QString& array, const plist::Dictionary& before) {
-        FieldViewController* row = field(privacyDomain, array);
-        ASSERT_TRUE(row && !row->instruments().isEmpty());
-        m_table = dynamic_cast<ArrayInstrumentController*>(row->instruments().first().get());
-        m_widget = std::make_unique<ArrayInstrumentWidget>(*row, *m_table);
-        m_widget->setChooser(m_chooser);
-        m_widget->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_widget.get()));
-        m_widget->addRow();
-        if (QWidget* editor = QApplication::focusWidget(); editor && editor != m_widget->tableView())
+    // The first row of a table, holding the values of another app, with its app cell double-clicked.
+    void chooseInRow(const QString& array, const plist::Dictionary& before, const QString& column) {
+        FieldViewController* field = this->field(domain, array);
+        auto* table = dynamic_cast<ArrayInstrumentController*>(field->instruments().first().get());
+        ArrayInstrumentWidget widget(*field, *table);
+        widget.setChooser(m_chooser);
+        widget.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+        widget.addRow();
+        if (QWidget* editor = QApplication::focusWidget(); editor && editor != widget.tableView())
             QTest::keyClick(editor, Qt::Key_Escape);
-        const auto* cells = m_table->rows().first()->value().keyMap();
         for (const QString& name : before.keys())
-            m_history.setValue(cells->value(name), PreferenceKeyValue(before.value(name)));
-        ASSERT_EQ(writtenRow(array), before);
-    }
-
-    void doubleClickColumn(const QString& identifier) {
-        QTableView& view = *m_widget->tableView();
-        int column = 0;
-        while (m_table->columns().at(column).identifier != identifier)
-            ++column;
-        const QPointF at = view.visualRect(view.model()->index(0, column)).center();
+            m_history.setValue(table->rows().first()->value().keyMap()->value(name),
+                               PreferenceKeyValue(before.value(name)));
+        int index = 0;
+        while (table->columns().at(index).identifier != column)
+            ++index;
+        QTableView& view = *widget.tableView();
+        const QPointF at = view.visualRect(view.model()->index(0, index)).center();
         QMouseEvent click(QEvent::MouseButtonDblClick, at, view.viewport()->mapToGlobal(at), Qt::LeftButton,
                           Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(view.viewport(), &click);
     }
 
-    plist::Dictionary writtenRow(const QString& array) const {
-        const plist::Value rows = writtenValue(privacyDomain, array);
-        return rows.array() && !rows.array()->isEmpty() ? *rows.array()->first().dictionary()
-                                                        : plist::Dictionary{};
+    plist::Dictionary firstRow(const QString& array) const {
+        const plist::Value rows = writtenValue(domain, array);
+        return rows.array() ? *rows.array()->first().dictionary() : plist::Dictionary{};
     }
 
     QTemporaryDir m_folder;
-    QString m_app;
+    QString m_app = m_folder.filePath(QStringLiteral("Sample.app"));
     std::shared_ptr<SheetChooser> m_chooser = std::make_shared<SheetChooser>();
-    ArrayInstrumentController* m_table = nullptr;
-    std::unique_ptr<ArrayInstrumentWidget> m_widget;
 };
 
 } // namespace
@@ -162,20 +144,20 @@ protected:
 TEST_F(AppNeighbourKeysTest, ChoosingAnAppFillsTheKeysBesideItInOneStepThatUndoes) {
     const plist::Dictionary other{
         {"Identifier", "com.example.old"},     {"IdentifierType", "path"},
-        {"CodeRequirement", "identifier old"}, {"AEReceiverIdentifier", "com.example.receiver"},
-        {"AEReceiverIdentifierType", "path"},  {"AEReceiverCodeRequirement", "identifier receiver"}};
-    const auto with = [&other](std::initializer_list<std::pair<const char*, QString>> changes) {
+        {"CodeRequirement", "identifier old"}, {"AEReceiverIdentifier", "com.example.to"},
+        {"AEReceiverIdentifierType", "path"},  {"AEReceiverCodeRequirement", "identifier to"}};
+    const auto with = [&other](const plist::Dictionary& changes) {
         plist::Dictionary row = other;
-        for (const auto& [name, value] : changes)
-            row.insert(QString::fromLatin1(name), plist::Value(value));
+        for (const QString& name : changes.keys())
+            row.insert(name, changes.value(name));
         return row;
     };
-    const QString sample = QStringLiteral("com.quorlin.sample");
+    const plist::Dictionary oldRule{{"BundleIdentifier", "com.example.old"}, {"TeamIdentifier", "OLDTEAM"}};
     const struct {
         const char* name;
-        QString array;
+        const char* array;
         plist::Dictionary before;
-        QString column;
+        const char* column;
         bool fromDisk;
         plist::Dictionary after;
     } cases[] = {
@@ -190,54 +172,43 @@ TEST_F(AppNeighbourKeysTest, ChoosingAnAppFillsTheKeysBesideItInOneStepThatUndoe
          with({{"Identifier", "com.example.store"}, {"IdentifierType", "bundleID"}})},
         {"a rule's team",
          "Rules",
-         {{"BundleIdentifier", "com.example.old"}, {"TeamIdentifier", "OLDTEAM"}},
+         oldRule,
          "BundleIdentifier",
          true,
          {{"BundleIdentifier", sample}, {"TeamIdentifier", team}}},
     };
     for (const auto& example : cases) {
         SCOPED_TRACE(example.name);
-        m_widget.reset();
         m_history.undoStack().clear();
-        open({privacyDomainWithKeys()});
-        showRow(example.array, example.before);
+        open({privacyDomain()});
         m_chooser->appPath = example.fromDisk ? std::optional(m_app) : std::nullopt;
         m_chooser->bundleId = QStringLiteral("com.example.store");
-        const int steps = m_history.undoStack().index();
-        doubleClickColumn(example.column);
-        EXPECT_EQ(writtenRow(example.array), example.after);
-        EXPECT_EQ(m_history.undoStack().index(), steps + 1);
+        chooseInRow(example.array, example.before, example.column);
+        EXPECT_EQ(firstRow(example.array), example.after);
         m_history.undoStack().undo();
-        EXPECT_EQ(writtenRow(example.array), example.before);
+        EXPECT_EQ(firstRow(example.array), example.before) << "one step undoes the whole choice";
     }
 }
 
 TEST_F(AppNeighbourKeysTest, AnAppDroppedOnAFieldShowsItsNameAndIconAndFillsItsTeam) {
-    FieldViewController* row = field(privacyDomain, QStringLiteral("ExtensionIdentifier"));
-    ASSERT_TRUE(row);
-    auto widget = std::make_unique<FileInstrumentWidget>(*row, *row->instruments().first());
-    widget->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(widget.get()));
+    FieldViewController* row = field(domain, QStringLiteral("ExtensionIdentifier"));
+    FileInstrumentWidget widget(*row, *row->instruments().first());
+    widget.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
     QMimeData mime;
     mime.setUrls({QUrl::fromLocalFile(m_app)});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget.get(), &enter);
-    ASSERT_TRUE(enter.isAccepted());
+    QApplication::sendEvent(&widget, &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget.get(), &drop);
+    QApplication::sendEvent(&widget, &drop);
 
-    EXPECT_EQ(writtenValue(privacyDomain, QStringLiteral("ExtensionIdentifier")),
-              plist::Value(QStringLiteral("com.quorlin.sample")));
-    EXPECT_EQ(writtenValue(privacyDomain, QStringLiteral("TeamIdentifier")), plist::Value(team));
-    EXPECT_EQ(widget->findChild<QLabel*>("summaryLabel")->text(),
+    EXPECT_EQ(writtenValue(domain, QStringLiteral("TeamIdentifier")), plist::Value(team));
+    EXPECT_EQ(widget.findChild<QLabel*>("summaryLabel")->text(),
               QStringLiteral("Sample (com.quorlin.sample)"));
-    const QLabel* preview = widget->findChild<QLabel*>("previewLabel");
-    EXPECT_TRUE(preview->isVisible());
-    EXPECT_FALSE(preview->pixmap().isNull()) << "the icon set's PNG is shown";
-
+    EXPECT_FALSE(widget.findChild<QLabel*>("previewLabel")->pixmap().isNull()) << "the icon set's PNG shows";
     m_history.undoStack().undo();
-    EXPECT_TRUE(writtenValue(privacyDomain, QStringLiteral("ExtensionIdentifier")).isNull());
-    EXPECT_TRUE(writtenValue(privacyDomain, QStringLiteral("TeamIdentifier")).isNull());
+    EXPECT_TRUE(writtenValue(domain, QStringLiteral("ExtensionIdentifier")).isNull());
+    EXPECT_TRUE(writtenValue(domain, QStringLiteral("TeamIdentifier")).isNull());
 }
 
 } // namespace quorlin
