@@ -9,6 +9,7 @@ namespace {
 
 const QString identifierSuffix = QStringLiteral("Identifier");
 const QString bundleIdType = QStringLiteral("bundleID");
+const QString pathType = QStringLiteral("path");
 
 bool holds(const PreferenceKey& key, const QString& text) {
     const plist::Value* stored = key.value().plistValue();
@@ -40,7 +41,9 @@ QList<KeyValueWriter::Change> AppNeighbourKeys::changes(const PreferenceKey::Poi
         if (key && text && !text->isEmpty() && !holds(*key, *text) && accepts(*key, *text))
             result.append({key, PreferenceKeyValue(plist::Value(*text))});
     };
-    add(sibling(*appKey, prefix + QStringLiteral("IdentifierType")), bundleIdType);
+    // A typed text that is a path names a program by where it lies.
+    const bool isPath = app.bundleId.startsWith(QLatin1Char('/'));
+    add(sibling(*appKey, prefix + QStringLiteral("IdentifierType")), isPath ? pathType : bundleIdType);
     add(requirement, app.codeRequirement);
     if (prefix.isEmpty() || !requirement)
         add(sibling(*appKey, QStringLiteral("TeamIdentifier")), app.teamIdentifier);

@@ -158,31 +158,33 @@ TEST_F(AppNeighbourKeysTest, ChoosingAnAppFillsTheKeysBesideItInOneStepThatUndoe
         const char* array;
         plist::Dictionary before;
         const char* column;
-        bool fromDisk;
+        const char* typed; // or an app from disk
         plist::Dictionary after;
     } cases[] = {
-        {"the app of a privacy row", "Services", other, "Identifier", true,
+        {"the app of a privacy row", "Services", other, "Identifier", nullptr,
          with(
              {{"Identifier", sample}, {"IdentifierType", "bundleID"}, {"CodeRequirement", requirementText}})},
-        {"the app it sends events to", "Services", other, "AEReceiverIdentifier", true,
+        {"the app it sends events to", "Services", other, "AEReceiverIdentifier", nullptr,
          with({{"AEReceiverIdentifier", sample},
                {"AEReceiverIdentifierType", "bundleID"},
                {"AEReceiverCodeRequirement", requirementText}})},
-        {"a store pick knows no requirement", "Services", other, "Identifier", false,
+        {"a store pick knows no requirement", "Services", other, "Identifier", "com.example.store",
          with({{"Identifier", "com.example.store"}, {"IdentifierType", "bundleID"}})},
+        {"a typed path", "Services", with({{"IdentifierType", "bundleID"}}), "Identifier",
+         "/usr/bin/osascript", with({{"Identifier", "/usr/bin/osascript"}})},
         {"a rule's team",
          "Rules",
          oldRule,
          "BundleIdentifier",
-         true,
+         nullptr,
          {{"BundleIdentifier", sample}, {"TeamIdentifier", team}}},
     };
     for (const auto& example : cases) {
         SCOPED_TRACE(example.name);
         m_history.undoStack().clear();
         open({privacyDomain()});
-        m_chooser->appPath = example.fromDisk ? std::optional(m_app) : std::nullopt;
-        m_chooser->bundleId = QStringLiteral("com.example.store");
+        m_chooser->appPath = example.typed ? std::nullopt : std::optional(m_app);
+        m_chooser->bundleId = QString::fromLatin1(example.typed);
         chooseInRow(example.array, example.before, example.column);
         EXPECT_EQ(firstRow(example.array), example.after);
         m_history.undoStack().undo();
