@@ -19,7 +19,8 @@ seconds=${FUZZ_SECONDS:-600}
 export ASAN_OPTIONS=${ASAN_OPTIONS:-quarantine_size_mb=32}
 targets=("$@")
 [[ ${#targets[@]} -eq 0 ]] && targets=(xml_reader binary_reader openstep_reader domain_builder standardize profile_document
-    signed_message manifest_index third_party_manifest user_defaults macho_reader signature_reader app_store_json)
+    signed_message manifest_index third_party_manifest user_defaults macho_reader signature_reader app_store_json
+    icns_reader)
 for target in "${targets[@]}"; do
     work=build/fuzz/corpus/$target
     mkdir -p "$work" build/fuzz/findings

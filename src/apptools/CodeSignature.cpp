@@ -1,6 +1,7 @@
 #include "apptools/CodeSignature.h"
 
 #include "apptools/DerEntitlements.h"
+#include "apptools/ImplicitRequirement.h"
 #include "apptools/RequirementDecompiler.h"
 #include "apptools/SignerCertificates.h"
 #include "plist/PlistReader.h"
@@ -142,6 +143,9 @@ std::optional<QString> CodeSignature::designatedRequirement() const {
         if (auto text = RequirementDecompiler::designatedRequirement(*m_requirements))
             return text;
     }
+    // What the system takes for a signature that states none.
+    if (!m_certificates.isEmpty())
+        return ImplicitRequirement::make(m_identifier, m_certificates);
     if (isAdHoc())
         return QStringLiteral("cdhash H\"%1\"").arg(QString::fromLatin1(m_codeDirectoryHash.toHex()));
     return std::nullopt;

@@ -31,8 +31,8 @@ public:
     // The hash of the code directory that names this exact build, 20 bytes.
     const QByteArray& codeDirectoryHash() const { return m_codeDirectoryHash; }
     // The text form of the designated requirement the signature carries;
-    // for an ad hoc signature without one, the build's own hash, as the
-    // system then takes it.
+    // without one, what the system makes up: from the signer's chain, or
+    // for an ad hoc signature the build's own hash.
     std::optional<QString> designatedRequirement() const;
     const std::optional<plist::Dictionary>& entitlements() const { return m_entitlements; }
     // DER, from the signer up.

@@ -33,6 +33,11 @@ QByteArray der(X509* certificate) {
     return result;
 }
 
+std::unique_ptr<X509, CertificateFree> readCertificate(const QByteArray& certificateDer) {
+    const auto* input = reinterpret_cast<const unsigned char*>(certificateDer.constData());
+    return std::unique_ptr<X509, CertificateFree>(d2i_X509(nullptr, &input, long(certificateDer.size())));
+}
+
 X509* signerOf(CMS_ContentInfo* cms, STACK_OF(X509) * certificates) {
     STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(cms);
     if (signers && sk_CMS_SignerInfo_num(signers) > 0) {
@@ -80,13 +85,17 @@ QList<QByteArray> SignerCertificates::chain(const QByteArray& cmsDer) {
 }
 
 std::optional<QString> SignerCertificates::commonName(const QByteArray& certificateDer) {
-    const auto* input = reinterpret_cast<const unsigned char*>(certificateDer.constData());
-    std::unique_ptr<X509, CertificateFree> certificate(
-        d2i_X509(nullptr, &input, long(certificateDer.size())));
-    if (!certificate)
+    return subjectComponent(certificateDer, "CN");
+}
+
+std::optional<QString> SignerCertificates::subjectComponent(const QByteArray& certificateDer,
+                                                            const char* shortName) {
+    const auto certificate = readCertificate(certificateDer);
+    const int nid = OBJ_sn2nid(shortName);
+    if (!certificate || nid == NID_undef)
         return std::nullopt;
     X509_NAME* subject = X509_get_subject_name(certificate.get());
-    const int index = X509_NAME_get_index_by_NID(subject, NID_commonName, -1);
+    const int index = X509_NAME_get_index_by_NID(subject, nid, -1);
     if (index < 0)
         return std::nullopt;
     ASN1_STRING* value = X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, index));
@@ -94,9 +103,17 @@ std::optional<QString> SignerCertificates::commonName(const QByteArray& certific
     const int length = ASN1_STRING_to_UTF8(&utf8, value);
     if (length < 0)
         return std::nullopt;
-    const QString name = QString::fromUtf8(reinterpret_cast<const char*>(utf8), length);
+    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(utf8), length);
     OPENSSL_free(utf8);
-    return name;
+    return text;
+}
+
+bool SignerCertificates::hasExtension(const QByteArray& certificateDer, const char* oid) {
+    const auto certificate = readCertificate(certificateDer);
+    ASN1_OBJECT* object = OBJ_txt2obj(oid, 1);
+    const bool found = certificate && object && X509_get_ext_by_OBJ(certificate.get(), object, -1) >= 0;
+    ASN1_OBJECT_free(object);
+    return found;
 }
 
 } // namespace quorlin::apptools

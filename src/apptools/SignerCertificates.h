@@ -17,6 +17,11 @@ public:
     static QList<QByteArray> chain(const QByteArray& cmsDer);
     // The subject's common name, kept whole.
     static std::optional<QString> commonName(const QByteArray& certificateDer);
+    // The first subject entry of the kind ("CN", "O", "OU"); nothing when
+    // the certificate has none or can't be read.
+    static std::optional<QString> subjectComponent(const QByteArray& certificateDer, const char* shortName);
+    // Whether the certificate carries an extension of the OID, dotted.
+    static bool hasExtension(const QByteArray& certificateDer, const char* oid);
 };
 
 } // namespace quorlin::apptools

@@ -1,8 +1,8 @@
 #include "apptools/iTunesQueryHelperAppObject.h"
 
+#include "apptools/IcnsFile.h"
 #include "apptools/iTunesQueryHelper.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -54,6 +54,16 @@ void iTunesQueryHelperAppObject::setIconURL(const QUrl& url) {
         startIconDownload();
 }
 
+void iTunesQueryHelperAppObject::takeLocalApp(const std::optional<QString>& appName,
+                                              const std::optional<QString>& iconFile) {
+    if (appName && !appName->isEmpty() && m_appName != appName) {
+        m_appName = appName;
+        Q_EMIT infoChanged();
+    }
+    if (iconFile)
+        setIconURL(QUrl::fromLocalFile(*iconFile));
+}
+
 void iTunesQueryHelperAppObject::startInfoDownload() {
     if (m_infoDownloadTask || m_appName || m_infoDownloadTriesCount >= maximumInfoDownloadTries)
         return;
@@ -86,9 +96,9 @@ void iTunesQueryHelperAppObject::startIconDownload() {
         return;
     const QUrl url = *m_iconURL;
     if (url.isLocalFile()) {
-        QFile file(url.toLocalFile());
-        if (file.size() <= maximumIconSize && file.open(QIODevice::ReadOnly)) {
-            m_iconImage = file.readAll();
+        // An app's icon set holds many images; the store's icon is one.
+        if (auto image = IcnsFile::iconImage(url.toLocalFile())) {
+            m_iconImage = std::move(image);
             Q_EMIT iconChanged();
         }
         return;

@@ -46,6 +46,9 @@ public:
     // Sets the icon's address (from a lookup or a search row) and fetches
     // it when someone watches.
     void setIconURL(const QUrl& url);
+    // What an app on disk says of itself: its name, and its icon file (an
+    // image or an icon set), which then stands for the store's.
+    void takeLocalApp(const std::optional<QString>& appName, const std::optional<QString>& iconFile);
 
 Q_SIGNALS:
     void infoChanged();

@@ -1,6 +1,8 @@
 #include "fields/AppSelectorInstrumentController.h"
 
-#include "apptools/AppBundle.h"
+#include "apptools/iTunesQueryHelper.h"
+#include "apptools/iTunesQueryHelperAppObject.h"
+#include "fields/AppNeighbourKeys.h"
 
 #include <QFileInfo>
 
@@ -23,20 +25,33 @@ bool AppSelectorInstrumentController::isDisabled() const {
 }
 
 void AppSelectorInstrumentController::choose(const QString& chosenBundleId) {
-    if (chosenBundleId.isEmpty())
+    choose(apptools::ChosenApp{chosenBundleId, {}, {}, {}, {}});
+}
+
+void AppSelectorInstrumentController::choose(const apptools::ChosenApp& app) {
+    const auto& key = representedPreferenceKey();
+    if (app.bundleId.isEmpty() || !key)
         return;
-    writeValue(PreferenceKeyValue(plist::Value(chosenBundleId)));
+    // An app read from disk names itself: no store has to know it.
+    if (app.appName || app.iconFile)
+        apptools::iTunesQueryHelper::shared()
+            .appObject(app.bundleId)
+            ->takeLocalApp(app.appName, app.iconFile);
+    const auto changes = AppNeighbourKeys::changes(key, app);
+    if (changes.size() == 1)
+        writeValue(changes.first().second);
+    else
+        writer()->writeValues(changes, QStringLiteral("Choose App"));
     notifyChange();
 }
 
 std::optional<InstrumentAlert> AppSelectorInstrumentController::chooseFile(const QString& path) {
-    const auto bundle = apptools::AppBundle::create(path);
-    const auto identifier = bundle ? bundle->bundleIdentifier() : std::nullopt;
-    if (!identifier || identifier->isEmpty())
+    const auto app = apptools::ChosenApp::fromFile(path);
+    if (!app)
         return InstrumentAlert{
             QStringLiteral("App Inspection Failed"),
             QStringLiteral("The app bundle %1 could not be inspected.").arg(QFileInfo(path).fileName())};
-    choose(*identifier);
+    choose(*app);
     return std::nullopt;
 }
 

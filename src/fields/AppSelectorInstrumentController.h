@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apptools/ChosenApp.h"
 #include "fields/InstrumentAlert.h"
 #include "fields/InstrumentController.h"
 
@@ -23,6 +24,10 @@ public:
     bool isDisabled() const;
     // The sheet's confirmed choice; an empty one changes nothing.
     void choose(const QString& chosenBundleId);
+    // The same with what else is known of the app: the keys beside the
+    // field that describe it take its signature's answers, in the same
+    // step, and the app's name and icon are shown for its identifier.
+    void choose(const apptools::ChosenApp& app);
     // A chosen or dropped application or program file: its bundle
     // identifier becomes the value, or the refusal says why it can't; the
     // file's path is never stored.

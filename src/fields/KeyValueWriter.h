@@ -5,7 +5,10 @@
 
 #include <QString>
 
+#include <QList>
+
 #include <memory>
+#include <utility>
 
 namespace quorlin {
 
@@ -21,6 +24,14 @@ public:
     virtual ~KeyValueWriter() = default;
     virtual void writeValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
                             const QString& editIdentity) = 0;
+    using Change = std::pair<PreferenceKey::Pointer, PreferenceKeyValue>;
+    // Several keys set by one command of the user (an app chosen, and the
+    // keys beside it that take its signature), undone as one step.
+    virtual void writeValues(const QList<Change>& changes, const QString& actionName) {
+        Q_UNUSED(actionName);
+        for (const auto& [key, value] : changes)
+            writeValue(key, value, QString());
+    }
     // Takes out what the keys hold against their manifests, as one edit.
     virtual void removeHeldValues(const PreferenceKey::KeyList& keys) {
         for (const auto& key : keys)

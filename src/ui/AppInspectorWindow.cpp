@@ -1,6 +1,7 @@
 #include "ui/AppInspectorWindow.h"
 
 #include "apptools/AppBundle.h"
+#include "apptools/IcnsFile.h"
 #include "shell/ApplicationNotice.h"
 #include "ui/InfoRowView.h"
 #include "ui/NoticePresenter.h"
@@ -53,7 +54,8 @@ QWidget* makeInspectorView(const AppInformationViewModel& model, QWidget* parent
     auto* stack = new QVBoxLayout(view);
     stack->setContentsMargins(0, 0, 0, 0);
     if (model.icon) {
-        const QImage image(*model.icon);
+        const auto encoded = apptools::IcnsFile::iconImage(*model.icon);
+        const QImage image = encoded ? QImage::fromData(*encoded) : QImage();
         if (!image.isNull()) {
             auto* icon = new QLabel(view);
             icon->setObjectName(QStringLiteral("iconView"));

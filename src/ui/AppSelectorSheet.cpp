@@ -1,6 +1,5 @@
 #include "ui/AppSelectorSheet.h"
 
-#include "apptools/AppBundle.h"
 #include "apptools/iTunesQueryHelper.h"
 #include "ui/AppFileDialog.h"
 
@@ -167,20 +166,30 @@ void AppSelectorSheet::choose() {
     m_chosenBundleId = m_results.at(row).bundleId;
     m_chosenAppName = m_results.at(row).appName;
     m_chosenIcon = selected.first()->icon(iconColumn);
+    m_chosenFile.reset();
     accept();
 }
 
+std::optional<apptools::ChosenApp> AppSelectorSheet::chosenApp() const {
+    if (m_chosenFile)
+        return m_chosenFile;
+    if (!m_chosenBundleId)
+        return std::nullopt;
+    // The field asks the store for a row's name and icon by the identifier.
+    return apptools::ChosenApp{*m_chosenBundleId, {}, {}, {}, {}};
+}
+
 bool AppSelectorSheet::chooseFile(const QString& path) {
-    const auto bundle = apptools::AppBundle::create(path);
-    const auto identifier = bundle ? bundle->bundleIdentifier() : std::nullopt;
-    if (!identifier || identifier->isEmpty()) {
+    auto app = apptools::ChosenApp::fromFile(path);
+    if (!app) {
         m_refusal->setText(QStringLiteral("App Inspection Failed\nThe app bundle %1 could not be inspected.")
                                .arg(QFileInfo(path).fileName()));
         m_refusal->show();
         return false;
     }
-    m_chosenBundleId = *identifier;
-    m_chosenAppName = bundle->name();
+    m_chosenBundleId = app->bundleId;
+    m_chosenAppName = app->appName;
+    m_chosenFile = std::move(app);
     accept();
     return true;
 }

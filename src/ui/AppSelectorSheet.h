@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apptools/AppSearchResult.h"
+#include "apptools/ChosenApp.h"
 
 #include <QDialog>
 #include <QHash>
@@ -34,6 +35,9 @@ public:
     const std::optional<QString>& chosenBundleId() const { return m_chosenBundleId; }
     const std::optional<QString>& chosenAppName() const { return m_chosenAppName; }
     const QIcon& chosenIcon() const { return m_chosenIcon; }
+    // All that is known of the choice: an app from disk adds its icon file
+    // and its signature's answers.
+    std::optional<apptools::ChosenApp> chosenApp() const;
     const QList<apptools::AppSearchResult>& results() const { return m_results; }
     bool isSearching() const { return m_searchTask != nullptr; }
 
@@ -64,6 +68,7 @@ private:
     std::optional<QString> m_chosenBundleId;
     std::optional<QString> m_chosenAppName;
     QIcon m_chosenIcon;
+    std::optional<apptools::ChosenApp> m_chosenFile;
 };
 
 } // namespace quorlin

@@ -244,8 +244,8 @@ bool ArrayInstrumentWidget::chooseForCell(const QModelIndex& index) {
         } else if (auto* app = dynamic_cast<AppSelectorInstrumentController*>(&cell);
                    app && app->showingButtons()) {
             handled = true;
-            if (const auto bundleId = m_chooser->chooseBundleId(this))
-                app->choose(*bundleId);
+            if (const auto chosen = m_chooser->chooseApp(this))
+                app->choose(*chosen);
         }
     });
     if (handled)

@@ -131,8 +131,8 @@ void FileInstrumentWidget::setChooser(std::shared_ptr<InstrumentChooser> chooser
 void FileInstrumentWidget::choose() {
     if (auto* app = dynamic_cast<AppSelectorInstrumentController*>(&m_controller)) {
         showRefusal(std::nullopt);
-        if (const auto bundleId = m_chooser->chooseBundleId(this))
-            app->choose(*bundleId);
+        if (const auto chosen = m_chooser->chooseApp(this))
+            app->choose(*chosen);
         refresh();
         return;
     }

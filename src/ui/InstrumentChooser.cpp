@@ -31,6 +31,14 @@ public:
         return nonEmpty(*sheet.chosenBundleId());
     }
 
+    std::optional<apptools::ChosenApp> chooseApp(QWidget* parent) override {
+        AppSelectorSheet sheet(apptools::iTunesQueryHelper::shared(), parent);
+        if (sheet.exec() != QDialog::Accepted)
+            return std::nullopt;
+        auto app = sheet.chosenApp();
+        return app && !app->bundleId.isEmpty() ? app : std::nullopt;
+    }
+
 private:
     static std::optional<QString> nonEmpty(const QString& text) {
         return text.isEmpty() ? std::nullopt : std::optional<QString>(text);

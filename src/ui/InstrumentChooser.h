@@ -1,5 +1,7 @@
 #pragma once
 
+#include "apptools/ChosenApp.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +24,13 @@ public:
     virtual std::optional<QString> chooseFileToSave(QWidget* parent, const QString& suggestedName) = 0;
     // A bundle identifier (or an app's path) to store.
     virtual std::optional<QString> chooseBundleId(QWidget* parent) = 0;
+    // The app for a field, with what else is known of it; by default the
+    // identifier alone.
+    virtual std::optional<apptools::ChosenApp> chooseApp(QWidget* parent) {
+        const auto bundleId = chooseBundleId(parent);
+        return bundleId ? std::optional<apptools::ChosenApp>(apptools::ChosenApp{*bundleId, {}, {}, {}, {}})
+                        : std::nullopt;
+    }
 
     // The one that opens the standard dialogs.
     static std::shared_ptr<InstrumentChooser> dialogs();

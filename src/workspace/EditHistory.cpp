@@ -21,6 +21,9 @@ public:
                     const QString& editIdentity) override {
         m_history.setValue(key, value, editIdentity);
     }
+    void writeValues(const QList<Change>& changes, const QString& actionName) override {
+        m_history.setValues(changes, actionName);
+    }
     void removeHeldValues(const PreferenceKey::KeyList& keys) override { m_history.removeHeldValues(keys); }
 
 private:
@@ -62,6 +65,15 @@ void EditHistory::setValue(const PreferenceKey::Pointer& key, const PreferenceKe
 void EditHistory::setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
                            const QString& identity) {
     m_undoStack.push(new KeyValueCommand(key, value, identity));
+}
+
+void EditHistory::setValues(const QList<KeyValueWriter::Change>& changes, const QString& actionName) {
+    if (changes.isEmpty())
+        return;
+    m_undoStack.beginMacro(actionName);
+    for (const auto& [key, value] : changes)
+        m_undoStack.push(new KeyValueCommand(key, value, QString()));
+    m_undoStack.endMacro();
 }
 
 PFMSection::AddPayloadResult EditHistory::addPayload(PFMSection& section, const Profile::Pointer& profile,

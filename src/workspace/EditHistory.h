@@ -37,6 +37,8 @@ public:
     void setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value);
     void setValue(const PreferenceKey::Pointer& key, const PreferenceKeyValue& value,
                   const QString& editIdentity);
+    // Several keys as one step, named for the undo menu.
+    void setValues(const QList<KeyValueWriter::Change>& changes, const QString& actionName);
     // With a file, for a file-based section; undo and redo keep the payload it made.
     PFMSection::AddPayloadResult addPayload(PFMSection& section, const Profile::Pointer& profile,
                                             const std::optional<QString>& filePath = std::nullopt);
