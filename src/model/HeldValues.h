@@ -12,8 +12,9 @@ namespace quorlin {
 // What a file holds at one key that the key's prototype can't bind: kept at
 // its place and written back unchanged, so that opening and saving a file
 // never changes what it tells a device. A key holds its own value (of the
-// wrong class, one a rule leaves out, or a ghost's), entries of its dictionary that no
-// subkey describes, and items of its array that fit no item prototype.
+// wrong class, one a rule leaves out, or a ghost's), entries of its
+// dictionary that no subkey describes, and items of its array that fit no
+// item prototype.
 struct HeldValues {
     enum class Reason { wrongClass, excluded, undescribed, misfitItem, ghost };
 
