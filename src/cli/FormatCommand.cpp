@@ -70,12 +70,13 @@ void removeHeldValues(const Run& run, const OpenedProfile& opened) {
     }
 }
 
-// Key order and the layout of the text aside, an XML file says what the
-// writer would: the same tree. Another encoding is no such file.
+// The check asks whether the values would change: key order, the layout of
+// the text and the encoding (a binary file among them) don't count, though
+// rewriting normalises them all.
 bool sameTree(const QByteArray& written, const QByteArray& read) {
     const auto left = plist::PlistReader::read(written);
     const auto right = plist::PlistReader::read(read);
-    return left && right && right->format == plist::Format::Xml && left->root == right->root;
+    return left && right && left->root == right->root;
 }
 
 Outcome formatOne(const Run& run, const ProfileOpener& opener, const QString& path) {
@@ -153,8 +154,9 @@ QString FormatCommand::help() const {
                           "names an identity to sign the new content with (see \"identity list\").\n"
                           "\n"
                           "  --check                only list the files whose values would change, as\n"
-                          "                         \"FILE: would be reformatted\"; key order and layout\n"
-                          "                         don't count; for a signed file, its content\n"
+                          "                         \"FILE: would be reformatted\"; key order, layout and\n"
+                          "                         encoding (XML or binary) don't count; for a signed\n"
+                          "                         file, its content\n"
                           "  --repair               remove the values the manifests don't allow, each\n"
                           "                         listed on standard error as \"FILE: removed TYPE\n"
                           "                         PATH = VALUE: REASON\"\n"

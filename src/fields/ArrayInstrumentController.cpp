@@ -167,10 +167,11 @@ void ArrayInstrumentController::removeSelectedRows() {
             remaining.removeOne(visible.at(row));
     }
     m_arrayController.setSelectionIndexes({});
-    // An emptied table unsets its key, so that it doesn't write out.
-    if (remaining.isEmpty()) {
-        if (const auto& key = representedPreferenceKey())
-            writer()->writeValue(key, {}, QString());
+    // An emptied table unsets its key, so that it doesn't write out, unless
+    // the key holds items of the file that no row shows: those stay.
+    const auto& key = representedPreferenceKey();
+    if (remaining.isEmpty() && key && key->heldValues().items.isEmpty()) {
+        writer()->writeValue(key, {}, QString());
         notifyChange();
         return;
     }

@@ -12,10 +12,11 @@ namespace quorlin {
 // What a file holds at one key that the key's prototype can't bind: kept at
 // its place and written back unchanged, so that opening and saving a file
 // never changes what it tells a device. A key holds its own value (of the
-// wrong class, or one a rule leaves out), entries of its dictionary that no
-// subkey describes, and items of its array that fit no item prototype.
+// wrong class, one a rule leaves out, or a ghost's), entries of its
+// dictionary that no subkey describes, and items of its array that fit no
+// item prototype.
 struct HeldValues {
-    enum class Reason { wrongClass, excluded, undescribed, misfitItem };
+    enum class Reason { wrongClass, excluded, undescribed, misfitItem, ghost };
 
     struct Own {
         Reason reason = Reason::wrongClass;
@@ -23,7 +24,8 @@ struct HeldValues {
         friend bool operator==(const Own&, const Own&) = default;
     };
     struct Item {
-        // The item's index in the array as it was read.
+        // The item's index in the written array: as it was read, then moved
+        // along with the rows around it (see PreferenceKey::setValue).
         qsizetype index = 0;
         plist::Value value;
         friend bool operator==(const Item&, const Item&) = default;

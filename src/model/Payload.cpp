@@ -136,8 +136,8 @@ QList<Payload::HeldPlace> Payload::heldValuePlaces() const {
         const PreferenceKey& key = *place.key;
         if (!key.heldEntries().isEmpty())
             places.append(place);
-        // Inside an excluded key only its own held value is written.
-        if (key.excluded())
+        // Inside an excluded key or a ghost only its own held value is written.
+        if (key.holdsOnlyItsOwnValue())
             continue;
         const auto children = key.children();
         if (!children)

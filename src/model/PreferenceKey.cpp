@@ -7,6 +7,7 @@
 #include "plist/XmlWriter.h"
 #include "schema/PFMDomain.h"
 
+#include <QHash>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -27,6 +28,38 @@ bool itemFits(const PFMKeyPrototype& prototype, const plist::Value& item) {
     if (isScalarKind(prototype.kind()))
         return PFMKeyPrototype::isOfPlistClass(item, prototype.kind());
     return prototype.matchesValue(item);
+}
+
+// Each held item keeps its place after the row it followed, or after the
+// nearest row before that one which is still there; with none, it comes first.
+QList<HeldValues::Item> itemsFollowingRows(const QList<HeldValues::Item>& held,
+                                           const PreferenceKey::KeyList& before,
+                                           const PreferenceKey::KeyList& after) {
+    QHash<const PreferenceKey*, qsizetype> rowAfter;
+    for (qsizetype row = 0; row < after.size(); ++row)
+        rowAfter.insert(after.at(row).get(), row);
+    QList<std::pair<qsizetype, plist::Value>> placed;
+    placed.reserve(held.size());
+    for (qsizetype order = 0; order < held.size(); ++order) {
+        // Items are in index order, so those before this one account for
+        // the other places before it.
+        const qsizetype rowsBefore = std::min(held.at(order).index - order, before.size());
+        qsizetype rowsBeforeNow = 0;
+        for (qsizetype row = rowsBefore - 1; row >= 0; --row) {
+            if (const auto found = rowAfter.constFind(before.at(row).get()); found != rowAfter.cend()) {
+                rowsBeforeNow = *found + 1;
+                break;
+            }
+        }
+        placed.append({rowsBeforeNow, held.at(order).value});
+    }
+    std::stable_sort(placed.begin(), placed.end(),
+                     [](const auto& left, const auto& right) { return left.first < right.first; });
+    QList<HeldValues::Item> moved;
+    moved.reserve(placed.size());
+    for (qsizetype order = 0; order < placed.size(); ++order)
+        moved.append({placed.at(order).first + order, placed.at(order).second});
+    return moved;
 }
 
 } // namespace
@@ -86,9 +119,13 @@ PreferenceKey::Pointer PreferenceKey::makeFromValue(const PrototypePointer& prot
             key->m_value = PreferenceKeyValue(value);
         else if (auto subkeys = key->buildSubkeys(dictionary))
             key->m_value = PreferenceKeyValue(std::move(*subkeys));
+        key->m_keepsEmptyDictionary = key->isConventionalDictionary() && dictionary->isEmpty();
     } else {
         key->holdOwnValue(HeldValues::Reason::wrongClass, value);
     }
+    // A ghost is never written from its value, so the file's is held instead.
+    if (prototype->ghost() && !key->m_heldValues.own)
+        key->holdOwnValue(HeldValues::Reason::ghost, value);
     key->updateWritingOut();
     key->updateRequired();
     return key;
@@ -176,11 +213,24 @@ QString PreferenceKey::name() const {
 }
 
 void PreferenceKey::setValue(const PreferenceKeyValue& value) {
-    m_value = value;
-    if (value.isAbsent())
+    if (value.isAbsent()) {
         m_heldValues = {};
-    else
+        m_keepsEmptyDictionary = false;
+    } else {
         m_heldValues.own.reset();
+        const KeyList* rowsBefore = m_value.keyList();
+        const KeyList* rowsAfter = value.keyList();
+        if (rowsBefore && rowsAfter && !m_heldValues.items.isEmpty())
+            m_heldValues.items = itemsFollowingRows(m_heldValues.items, *rowsBefore, *rowsAfter);
+    }
+    m_value = value;
+    announceChange();
+}
+
+void PreferenceKey::setKeepsEmptyDictionary(bool keeps) {
+    if (keeps == m_keepsEmptyDictionary)
+        return;
+    m_keepsEmptyDictionary = keeps;
     announceChange();
 }
 
@@ -228,13 +278,16 @@ bool PreferenceKey::isConventionalDictionary() const {
 }
 
 bool PreferenceKey::computeWritingOut() const {
-    if (m_value.isAbsent() || excluded() || m_prototype->ghost())
+    if (excluded() || m_prototype->ghost())
         return false;
+    if (m_value.isAbsent())
+        return m_keepsEmptyDictionary;
     if (!isConventionalDictionary())
         return true;
     const auto keys = children();
-    return keys && std::any_of(keys->begin(), keys->end(),
-                               [](const Pointer& child) { return child->m_isWritingOut; });
+    return m_keepsEmptyDictionary ||
+           (keys && std::any_of(keys->begin(), keys->end(),
+                                [](const Pointer& child) { return child->m_isWritingOut; }));
 }
 
 void PreferenceKey::updateWritingOut() {
@@ -354,7 +407,7 @@ QList<HeldValues::Entry> PreferenceKey::heldEntries() const {
     const auto& own = m_heldValues.own;
     if (own && (own->reason != HeldValues::Reason::excluded || excluded()))
         entries.append({own->reason, QString(), own->value});
-    if (!excluded())
+    if (!holdsOnlyItsOwnValue())
         entries.append(m_heldValues.containerEntries());
     return entries;
 }
@@ -373,14 +426,15 @@ void PreferenceKey::holdExcludedValues(bool insideHeldValue) {
 }
 
 // A held own value stands in for the key: of the wrong class there is no
-// value beside it, and a value a rule leaves out is written while it does.
+// value beside it, a value a rule leaves out is written while it does, and a
+// ghost's is written until the key is set.
 std::optional<plist::Value> PreferenceKey::writeOutValue() const {
     const auto& own = m_heldValues.own;
-    if (own && (own->reason == HeldValues::Reason::wrongClass || excluded()))
+    if (own && (own->reason != HeldValues::Reason::excluded || excluded()))
         return own->value;
-    if (excluded() || m_prototype->ghost())
+    if (holdsOnlyItsOwnValue())
         return std::nullopt;
-    if (m_value.isAbsent() && m_heldValues.isEmpty())
+    if (m_value.isAbsent() && m_heldValues.isEmpty() && !m_keepsEmptyDictionary)
         return std::nullopt;
     if (m_prototype->kind() == Kind::array)
         return writeOutArray();
@@ -415,7 +469,7 @@ std::optional<plist::Value> PreferenceKey::writeOutConventionalDictionary() cons
                 written.insert(entry.key(), *childValue);
         }
     }
-    if (written.isEmpty())
+    if (written.isEmpty() && !m_keepsEmptyDictionary)
         return std::nullopt;
     return plist::Value(std::move(written));
 }

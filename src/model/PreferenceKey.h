@@ -58,8 +58,13 @@ public:
     const PreferenceKeyValue& value() const { return m_value; }
     // Replaces the value, then tells the profile and the observers of this
     // key and of every ancestor. A new value replaces a held own value; no
-    // value at all removes every held value of the key.
+    // value at all removes every held value of the key. Held items of an
+    // array follow the rows they stood after.
     void setValue(const PreferenceKeyValue& value);
+    // A dictionary the file gave empty is written so, until the key is removed.
+    bool keepsEmptyDictionary() const { return m_keepsEmptyDictionary; }
+    // For undoing a removal; tells as setValue does.
+    void setKeepsEmptyDictionary(bool keeps);
 
     const HeldValues& heldValues() const { return m_heldValues; }
     // The held values that the profile gets from this key as it stands: a
@@ -75,6 +80,9 @@ public:
     std::optional<plist::Value> writeOutValue() const;
 
     bool isWritingOut() const { return m_isWritingOut; }
+    // An excluded key or a ghost writes nothing but its own held value, so
+    // nothing below it counts.
+    bool holdsOnlyItsOwnValue() const { return excluded() || m_prototype->ghost(); }
     bool required() const { return m_required; }
     bool requiredByConditional() const { return m_requiredByConditional; }
     bool excludedHiddenByConditional() const { return m_excludedHiddenByConditional; }
@@ -156,6 +164,7 @@ private:
     bool m_excludedDisabledByConditional = false;
     bool m_isWritingOut = false;
     bool m_allExclusionsShouldDisable = false;
+    bool m_keepsEmptyDictionary = false;
 };
 
 } // namespace quorlin

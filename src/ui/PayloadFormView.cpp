@@ -187,7 +187,8 @@ void PayloadFormView::buildNotices() {
 }
 
 // Values held by keys that have no row of their own (a dictionary shows as
-// its subkeys' rows) are listed above the rows, with one "Remove" for them.
+// its subkeys' rows), or whose row a rule hides, are listed above the rows,
+// with one "Remove" for them.
 void PayloadFormView::buildHeldValuesNotice() {
     m_heldBox = new QWidget(m_fieldsBox);
     auto* row = new QHBoxLayout(m_heldBox);

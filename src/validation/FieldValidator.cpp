@@ -444,9 +444,11 @@ QStringList FieldValidator::targetFragments(Model platform, const ValidationSett
     if (!maximum.isEmpty() && record->isBeforeIntroduction(platform, maximum)) {
         fragments.append(text::wasIntroducedInAfterMaximum.arg(name, version(Stage::introduction), maximum));
         checkMaximumRemoval = false;
-    } else if (record->isBeforeIntroduction(platform, minimum)) {
+    } else if (!minimum.isEmpty() && record->isBeforeIntroduction(platform, minimum)) {
+        // With no minimum there is no claim that older systems are aimed at,
+        // so a key's introduction is no fault.
         const QString fragment = text::wasIntroducedInAfterMinimum.arg(name, version(Stage::introduction));
-        fragments.append(minimum.isEmpty() ? fragment : text::targetOfVersion.arg(fragment, minimum));
+        fragments.append(text::targetOfVersion.arg(fragment, minimum));
     } else {
         if (deprecation && reached(minimum, Stage::deprecation)) {
             fragments.append(

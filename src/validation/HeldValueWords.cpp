@@ -17,6 +17,7 @@ const QString excluded = QStringLiteral("The manifest leaves this key out while 
 const QString excludedByUnknownRule = QStringLiteral("a rule of the manifest holds");
 const QString undescribed = QStringLiteral("“%1” is not described by the manifest");
 const QString misfitItem = QStringLiteral("Item %1 fits none of the kinds of item the manifest describes");
+const QString ghost = QStringLiteral("The manifest marks this key as one that profiles don't carry");
 // What happens to the value: the key's own may be replaced by setting the key.
 const QString keptUntilSetOrRemoved = QStringLiteral("%1; it is kept as it is until you set or remove it.");
 const QString keptUntilRemoved = QStringLiteral("%1; it is kept as it is until you remove it.");
@@ -147,6 +148,7 @@ QString HeldValueWords::entryText(const PreferenceKey& key, const HeldValues::En
         return text::keptUntilSetOrRemoved.arg(reason);
     case Reason::excluded:
         return text::excludedKept.arg(reason);
+    case Reason::ghost:
     case Reason::undescribed:
     case Reason::misfitItem:
         break;
@@ -164,6 +166,8 @@ QString HeldValueWords::reasonText(const PreferenceKey& key, const HeldValues::E
         return text::undescribed.arg(entry.place);
     case Reason::misfitItem:
         return text::misfitItem.arg(entry.place.mid(1).chopped(1).toLongLong() + 1);
+    case Reason::ghost:
+        return text::ghost;
     }
     return QString();
 }
@@ -172,7 +176,7 @@ std::optional<QString> HeldValueWords::fieldText(const PreferenceKey& key) {
     QStringList texts;
     for (const auto& entry : key.heldEntries())
         texts.append(entryText(key, entry));
-    if (key.prototype().kind() == Kind::array && !key.excluded()) {
+    if (key.prototype().kind() == Kind::array && !key.holdsOnlyItsOwnValue()) {
         if (const auto* items = key.value().keyList()) {
             for (qsizetype index = 0; index < items->size(); ++index)
                 collectBelow(*items->at(index), text::itemPrefix.arg(index + 1), texts);
@@ -190,7 +194,7 @@ std::optional<QString> HeldValueWords::fieldText(const PreferenceKey& key) {
 void HeldValueWords::collectBelow(const PreferenceKey& key, const QString& prefix, QStringList& texts) {
     for (const auto& entry : key.heldEntries())
         texts.append(prefix.arg(entryText(key, entry)));
-    if (key.excluded())
+    if (key.holdsOnlyItsOwnValue())
         return;
     const auto children = key.children();
     if (!children)

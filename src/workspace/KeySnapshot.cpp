@@ -7,6 +7,7 @@ KeySnapshot KeySnapshot::take(const PreferenceKey::Pointer& key) {
     snapshot.m_key = key;
     snapshot.m_value = key->value();
     snapshot.m_held = key->heldValues();
+    snapshot.m_keepsEmptyDictionary = key->keepsEmptyDictionary();
     if (const auto children = key->children())
         snapshot.m_children = take(*children);
     return snapshot;
@@ -26,6 +27,7 @@ void KeySnapshot::restore() const {
     // Setting a value lets go of what the key held; undo brings it back.
     if (m_key->heldValues() != m_held)
         m_key->replaceHeldValues(m_held);
+    m_key->setKeepsEmptyDictionary(m_keepsEmptyDictionary);
 }
 
 void KeySnapshot::restore(const QList<KeySnapshot>& snapshots) {

@@ -26,6 +26,7 @@ private:
     PreferenceKey::Pointer m_key;
     PreferenceKeyValue m_value;
     HeldValues m_held;
+    bool m_keepsEmptyDictionary = false;
     QList<KeySnapshot> m_children;
 };
 

@@ -197,6 +197,10 @@ bool PayloadViewController::hiddenByPlatformFilter(const FormField& field) const
     return keyPlatforms && !supportsAll(*keyPlatforms);
 }
 
+bool PayloadViewController::hiddenByRule(const FormField& field) {
+    return field.key && field.key->excludedHiddenByConditional();
+}
+
 bool PayloadViewController::shouldHide(const FormField& field) const {
     if (!field.key)
         return false;
@@ -299,9 +303,12 @@ QList<Payload::HeldPlace> PayloadViewController::unshownHeldPlaces() const {
     const auto payload = m_payload.lock();
     if (!payload)
         return {};
+    // A row a rule hides can't show its held value, nor offer to remove it.
     QSet<const PreferenceKey*> shown;
-    for (const FormField& field : m_fields)
-        shown.insert(field.key.get());
+    for (const FormField& field : m_fields) {
+        if (!hiddenByRule(field))
+            shown.insert(field.key.get());
+    }
     QList<Payload::HeldPlace> places = payload->heldValuePlaces();
     // Items of an array speak through the array's row.
     places.removeIf([&](const Payload::HeldPlace& place) {
@@ -326,9 +333,11 @@ PreferenceKey::KeyList PayloadViewController::unshownHeldValueKeys() const {
 }
 
 void PayloadViewController::countErrors() {
-    const int count = int(std::count_if(m_fields.begin(), m_fields.end(),
-                                        [](const FormField& f) { return f.hasProminentError(); })) +
-                      int(unshownHeldPlaces().size());
+    // A row a rule hides tells its held value in the form's list instead.
+    const int count =
+        int(std::count_if(m_fields.begin(), m_fields.end(),
+                          [](const FormField& f) { return f.hasProminentError() && !hiddenByRule(f); })) +
+        int(unshownHeldPlaces().size());
     if (count == m_errorCount)
         return;
     m_errorCount = count;

@@ -56,7 +56,8 @@ public:
     // The text of the notice of unfamiliar keys, or nothing without any.
     std::optional<QString> unfamiliarPropertiesNotice() const;
     // Held values of keys that no row shows (a dictionary shows as its
-    // subkeys' rows), one "PATH: TEXT" each; they count as errors too.
+    // subkeys' rows, a rule may hide a row), one "PATH: TEXT" each; they
+    // count as errors too.
     QStringList unshownHeldValues() const;
     PreferenceKey::KeyList unshownHeldValueKeys() const;
     bool isNoFieldsDisplayedShown() const { return m_noFieldsDisplayedShown; }
@@ -82,6 +83,7 @@ private:
     void addField(const PreferenceKey::Pointer& key);
     void addSigningField();
     QList<Payload::HeldPlace> unshownHeldPlaces() const;
+    static bool hiddenByRule(const FormField& field);
     void validate(FormField& field);
     bool hiddenByPlatformFilter(const FormField& field) const;
     void applySearch(FormField& field, std::set<int>& groupsWithHit);

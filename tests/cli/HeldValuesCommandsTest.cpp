@@ -80,16 +80,15 @@ TEST(HeldValuesCommands, APlatformWithoutBoundsTakesTheEditorsTargets) {
             return finding.toObject().value("message").toString().contains("after your minimum target");
         });
     };
-    EXPECT_GT(introducedAfterMinimum(), 0) << "no bound anywhere: the lowest version there is";
+    EXPECT_EQ(introducedAfterMinimum(), 0) << "no minimum anywhere: no claim to be after";
     const QString settings = tool.configFolder() + "/quorlin-profile-editor/com.quorlin.ProfileEditor.plist";
     ASSERT_TRUE(QDir().mkpath(QFileInfo(settings).absolutePath()));
     QFile file(settings);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(*plist::XmlWriter::write(
-        plist::Dictionary{{"lastChoiceValidationSettings",
-                           plist::Dictionary{{"targetingMacOS", true}, {"macOSMin", "99.0"}}}}));
+    file.write(*plist::XmlWriter::write(plist::Dictionary{
+        {"lastChoiceValidationSettings", plist::Dictionary{{"targetingMacOS", true}, {"macOSMin", "1.0"}}}}));
     file.close();
-    EXPECT_EQ(introducedAfterMinimum(), 0);
+    EXPECT_GT(introducedAfterMinimum(), 0);
 }
 
 } // namespace

@@ -110,11 +110,13 @@ TEST_F(ArraysAndDictionariesTest, ConventionalDictionaryHoldsUndescribedEntries)
 
 TEST_F(ArraysAndDictionariesTest, ConventionalDictionaryWithNothingWrittenIsLeftOut) {
     const auto payload = read({{"Settings", dict({{"Inner", dict({})}})}});
-    EXPECT_FALSE(payload->keyAtPath("Settings")->isWritingOut());
-    EXPECT_FALSE(payload->writeOutDictionary().contains("Settings"));
+    EXPECT_EQ(writtenValue(payload, "Settings"), dict({{"Inner", dict({})}})) << "an empty one is kept";
 
     payload->keyAtPath("Settings.Inner.Levels")->setEmptyValue();
     EXPECT_EQ(writtenValue(payload, "Settings"), dict({{"Inner", dict({{"Levels", plist::Array{}}})}}));
+    payload->keyAtPath("Settings.Inner")->setValue(PreferenceKeyValue());
+    EXPECT_FALSE(payload->keyAtPath("Settings")->isWritingOut());
+    EXPECT_FALSE(payload->writeOutDictionary().contains("Settings"));
 }
 
 TEST_F(ArraysAndDictionariesTest, CustomDictionariesAreWrittenWithEveryKey) {
@@ -178,7 +180,7 @@ TEST_F(ArraysAndDictionariesTest, DuplicateSharesNothingWithTheOriginal) {
 
 TEST_F(ArraysAndDictionariesTest, ExportOfContainerValuesReportsWhatWentWrong) {
     QTemporaryDir folder;
-    const auto payload = read({{"Extra", dict({{"k", "v"}})}, {"Name", "n"}, {"Settings", dict({})}});
+    const auto payload = read({{"Extra", dict({{"k", "v"}})}, {"Name", "n"}});
     const QString path = folder.filePath("extra.plist");
     EXPECT_EQ(payload->keyAtPath("Extra")->writeValueToFile(path), 0);
     EXPECT_EQ(readDictionary(path), (plist::Dictionary{{"k", "v"}}));

@@ -50,13 +50,13 @@ TEST(PayloadTest, UndescribedTopLevelEntriesComeBackUnchanged) {
     EXPECT_FALSE(payload->writeOutDictionary().contains("VendorSetting"));
 }
 
-TEST(PayloadTest, GhostValueReadFromFileIsNotWrittenBack) {
+TEST(PayloadTest, GhostValueReadFromFileIsWrittenBack) {
     const auto domain = domainWithKeys({keyTree("Shadow", "string", {{"pfm_quorlin_ghost_key", true}})});
     const auto payload =
         Payload::make(domain, nullptr, makeTestEnvironment(), plist::Dictionary{{"Shadow", "s"}});
     EXPECT_EQ(*payload->keyAtPath("Shadow")->value().plistValue(), plist::Value("s"));
     EXPECT_FALSE(payload->unfamiliarPreferenceKeys());
-    EXPECT_TRUE(payload->writeOutDictionary().isEmpty());
+    EXPECT_EQ(payload->writeOutDictionary(), (plist::Dictionary{{"Shadow", "s"}}));
 }
 
 TEST(PayloadTest, NewPayloadJoinsTheDomainDefaultIdentifierAndItsUUID) {

@@ -70,6 +70,7 @@ TEST_F(FieldValidatorTest, TheValueFaultWinsOverTheTargetFault) {
 
 TEST_F(FieldValidatorTest, AKeyNotWrittenOutHasNoTargetFaults) {
     settings->setTargeting(Model::iOS, true);
+    settings->setMinimumVersion(Model::iOS, "12.0");
     payload->keyAtPath("Name")->setValue(plist::Value());
     const auto validator = validatorFor("Name");
     ASSERT_FALSE(payload->keyAtPath("Name")->isWritingOut());
