@@ -46,9 +46,11 @@ TEST(FactoryDefaults, RegistersFourteenValuesInTheirOrder) {
         {"maximizeNonStandardManifestCompatibility", true},
         {"lastShownOnlineManifestsUpdateModificationDate", plist::Date{-63114076800.0}},
         {"lastChoiceShowingBooleanDescriptions", false},
+        {"lastChoiceFormDensity", "comfortable"},
+        {"lastChoiceShowIssues", false},
     };
     EXPECT_EQ(FactoryDefaults::table(), expected);
-    EXPECT_EQ(FactoryDefaults::registeredDefaults().size(), 14);
+    EXPECT_EQ(FactoryDefaults::registeredDefaults().size(), 16);
     // The default repository must pass the rules the store applies to any address.
     EXPECT_TRUE(RepositoryStorePaths::addressIsValid(FactoryDefaults::defaultOnlineRepositoryAddress()));
     EXPECT_TRUE(RepositoryStorePaths::branchIsValid(FactoryDefaults::defaultOnlineRepositoryBranch()));
