@@ -55,18 +55,18 @@ void FieldDetailsViewController::update() {
                             m_platformTags.isEmpty() && !m_showsDocumentationButton;
 }
 
-// A key with no platforms of its own counts as different: it is told, not assumed.
+// A key that says nothing of its platforms has the section's; telling them again
+// under every such row would bury the few rows that really narrow them.
 bool FieldDetailsViewController::platformsDifferFromDomain() const {
-    const auto payload = m_key->owningPayload();
-    if (!payload || !payload->domainPrototype().supportedPlatforms())
-        return true;
     const PFMKeyPrototype& prototype = m_key->prototype();
     const bool hasOwnPlatforms =
         prototype.supportedOSes() || prototype.supportedModels() || prototype.lifeCycleVersions();
     if (!hasOwnPlatforms)
-        return true;
-    const auto platforms = m_key->supportedPlatforms();
-    return !platforms || *platforms != *payload->domainPrototype().supportedPlatforms();
+        return false;
+    const auto payload = m_key->owningPayload();
+    const auto sectionPlatforms =
+        payload ? payload->domainPrototype().supportedPlatforms() : std::optional<SupportedPlatforms>();
+    return m_key->supportedPlatforms() != sectionPlatforms;
 }
 
 bool FieldDetailsViewController::shouldShowPlatformTags() const {

@@ -30,8 +30,9 @@ inline const QString lastShownOnlineManifestsUpdateModificationDate =
     QStringLiteral("lastShownOnlineManifestsUpdateModificationDate");
 inline const QString lastChoiceShowingBooleanDescriptions =
     QStringLiteral("lastChoiceShowingBooleanDescriptions");
-// "comfortable" or "compact"; unset reads as "comfortable".
+// DefaultsValue::formDensityComfortable or formDensityCompact.
 inline const QString lastChoiceFormDensity = QStringLiteral("lastChoiceFormDensity");
+inline const QString lastChoiceShowIssues = QStringLiteral("lastChoiceShowIssues");
 
 // Absent until written.
 inline const QString preferencesDefaultsOrganizationName =
@@ -84,6 +85,8 @@ inline const QString repositoryTypeLocal = QStringLiteral("local");
 inline const QString repositoryTypeBundled = QStringLiteral("quorlin_standard");
 inline const QString resultsFilter = QStringLiteral("filter");
 inline const QString resultsNoFilter = QStringLiteral("noFilter");
+inline const QString formDensityComfortable = QStringLiteral("comfortable");
+inline const QString formDensityCompact = QStringLiteral("compact");
 } // namespace DefaultsValue
 
 } // namespace quorlin

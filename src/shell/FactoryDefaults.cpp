@@ -26,6 +26,8 @@ QList<FactoryDefaults::Entry> FactoryDefaults::table() {
         {maximizeNonStandardManifestCompatibility, true},
         {lastShownOnlineManifestsUpdateModificationDate, distantPast()},
         {lastChoiceShowingBooleanDescriptions, false},
+        {lastChoiceFormDensity, DefaultsValue::formDensityComfortable},
+        {lastChoiceShowIssues, false},
     };
 }
 

@@ -159,6 +159,7 @@ QWidget* ContentView::makePropertyListView(PFMSection& section) {
         if (section.sectionViewController()->payloadControllers().size() > 1)
             column->addWidget(new QLabel(form->title(), content));
         auto* editor = new PropertyListEditor(payload->writeOutDictionary(), content);
+        editor->setHeldPlaces(HeldValuePaths::of(*payload));
         editor->setMinimumHeight(fontMetrics().height() * 16);
         connect(editor, &PropertyListEditor::edited, this, [this, payload](const plist::Dictionary& after) {
             Q_EMIT payloadDictionaryEdited(payload, after);

@@ -53,8 +53,8 @@ namespace {
 
 const QString profileSuffix = QStringLiteral("mobileconfig");
 const QString payloadDisplayNameName = QStringLiteral("PayloadDisplayName");
-const QString compactDensityName = QStringLiteral("compact");
-const QString comfortableDensityName = QStringLiteral("comfortable");
+const QString& compactDensityName = DefaultsValue::formDensityCompact;
+const QString& comfortableDensityName = DefaultsValue::formDensityComfortable;
 
 void applyState(QAction* action, const CommandAvailability::State& state, const QString& tip) {
     action->setEnabled(state.enabled);
@@ -204,8 +204,8 @@ void DocumentWindow::buildLayout() {
             [this](const Payload::Pointer& payload, const plist::Dictionary& after) {
                 if (m_history.setPayloadDictionary(payload, after))
                     return;
-                statusBar()->showMessage(QStringLiteral("The form edits this: new keys, other types and what "
-                                                        "arrays and dictionaries hold can't change here."),
+                statusBar()->showMessage(QStringLiteral("The manifest doesn't allow this: a value of another "
+                                                        "type than it describes, or a key it doesn't know."),
                                          5000);
                 reloadRawEditor();
             });

@@ -2,6 +2,8 @@
 // error, and bringing an error's field into view.
 #include "ui/DocumentWindow.h"
 
+#include "plist/DefaultsKey.h"
+#include "plist/UserDefaults.h"
 #include "ui/ContentView.h"
 #include "ui/FieldRowView.h"
 #include "ui/IssuesPanel.h"
@@ -23,13 +25,25 @@ void DocumentWindow::buildIssuesPanel() {
     m_issuesPanel->toggleViewAction()->setText(QStringLiteral("&Issues"));
     m_issuesPanel->toggleViewAction()->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_I));
     addDockWidget(Qt::BottomDockWidgetArea, m_issuesPanel);
-    m_issuesPanel->hide();
+    const bool shown = m_defaults.boolean(DefaultsKey::lastChoiceShowIssues) == true;
+    m_issuesPanel->setVisible(shown);
+    // A few lines at first: the form stays the window's main part.
+    const auto fewLinesHigh = [this] {
+        resizeDocks({m_issuesPanel}, {fontMetrics().height() * 9}, Qt::Vertical);
+    };
+    if (shown)
+        fewLinesHigh();
     connect(m_issuesPanel, &IssuesPanel::issueActivated, this, &DocumentWindow::goToIssue);
     connect(m_issuesPanel, &QDockWidget::visibilityChanged, this, &DocumentWindow::refreshIssues);
-    // A few lines at first: the form stays the window's main part.
-    connect(m_issuesPanel->toggleViewAction(), &QAction::triggered, this, [this](bool shown) {
+    connect(m_issuesPanel->toggleViewAction(), &QAction::triggered, this, [fewLinesHigh](bool shown) {
         if (shown)
-            resizeDocks({m_issuesPanel}, {fontMetrics().height() * 9}, Qt::Vertical);
+            fewLinesHigh();
+    });
+    // Remembered when the user shows or closes the panel; a closing window
+    // hides it too, without it being hidden itself.
+    connect(m_issuesPanel, &QDockWidget::visibilityChanged, this, [this](bool visible) {
+        if (m_issuesPanel && (visible || m_issuesPanel->isHidden()))
+            m_defaults.set(DefaultsKey::lastChoiceShowIssues, plist::Value(visible));
     });
     // The badges move with every count; an edit may change a message alone.
     connect(&m_sections, &SectionArrayController::badgeChanged, this, &DocumentWindow::refreshIssues);

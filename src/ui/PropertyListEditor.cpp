@@ -1,5 +1,7 @@
 #include "ui/PropertyListEditor.h"
 
+#include "ui/Tint.h"
+
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -12,6 +14,7 @@ namespace quorlin {
 namespace {
 
 constexpr int pathRole = Qt::UserRole;
+constexpr int heldRole = Qt::UserRole + 1;
 
 bool isContainer(const plist::Value& value) {
     return value.isArray() || value.isDictionary();
@@ -60,6 +63,7 @@ void PropertyListEditor::fill() {
     m_filling = true;
     m_tree->clear();
     addChildren(m_tree->invisibleRootItem(), plist::Value(m_dictionary), {});
+    markHeld();
     m_tree->expandAll();
     m_filling = false;
     followCurrent();
@@ -89,6 +93,32 @@ QTreeWidgetItem* PropertyListEditor::makeItem(const QString& key, const plist::V
         item->setFlags(item->flags() | Qt::ItemIsEditable);
     addChildren(item, value, path);
     return item;
+}
+
+void PropertyListEditor::setHeldPlaces(const QList<HeldValuePaths::Place>& places) {
+    m_held = places;
+    fill();
+}
+
+bool PropertyListEditor::isMarkedHeld(const QTreeWidgetItem* item) {
+    return item && item->data(keyColumn, heldRole).toBool();
+}
+
+void PropertyListEditor::markHeld() {
+    for (const HeldValuePaths::Place& place : m_held) {
+        QTreeWidgetItem* item = itemAt(place.path);
+        if (!item)
+            continue;
+        item->setData(keyColumn, heldRole, true);
+        for (int column = keyColumn; column <= valueColumn; ++column) {
+            item->setForeground(column, Tint::errorColour());
+            item->setToolTip(column, place.reason);
+            item->setData(column, Qt::AccessibleDescriptionRole, place.reason);
+        }
+        QFont font = item->font(keyColumn);
+        font.setItalic(true);
+        item->setFont(keyColumn, font);
+    }
 }
 
 PropertyListEdit::Path PropertyListEditor::pathOf(const QTreeWidgetItem* item) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plist/Value.h"
+#include "workspace/HeldValuePaths.h"
 #include "workspace/PropertyListEdit.h"
 
 #include <QWidget>
@@ -24,6 +25,11 @@ class PropertyListEditor : public QWidget {
 public:
     explicit PropertyListEditor(const plist::Dictionary& dictionary, QWidget* parent = nullptr);
 
+    // Values the payload keeps from its file though no manifest key binds
+    // them: marked at their place, each telling why.
+    void setHeldPlaces(const QList<HeldValuePaths::Place>& places);
+    static bool isMarkedHeld(const QTreeWidgetItem* item);
+
     const plist::Dictionary& dictionary() const { return m_dictionary; }
     QTreeWidget* tree() const { return m_tree; }
     QPushButton* addButton() const { return m_add; }
@@ -39,6 +45,7 @@ Q_SIGNALS:
 
 private:
     void fill();
+    void markHeld();
     void addChildren(QTreeWidgetItem* parent, const plist::Value& value, const PropertyListEdit::Path& path);
     QTreeWidgetItem* makeItem(const QString& key, const plist::Value& value,
                               const PropertyListEdit::Path& path, bool keyEditable);
@@ -54,6 +61,7 @@ private:
     QPushButton* m_add;
     QPushButton* m_remove;
     QComboBox* m_type;
+    QList<HeldValuePaths::Place> m_held;
     bool m_filling = false;
 };
 

@@ -4,6 +4,7 @@
 #include "workspace/KeyValueCommand.h"
 #include "workspace/PayloadCommands.h"
 #include "workspace/PayloadViewController.h"
+#include "workspace/PlistValueBinder.h"
 #include "workspace/RemoveHeldValuesCommand.h"
 #include "workspace/UnfamiliarPayloadCommand.h"
 
@@ -132,28 +133,26 @@ bool EditHistory::setPayloadDictionary(const Payload::Pointer& payload, const pl
     if (!payload)
         return false;
     const plist::Dictionary before = payload->writeOutDictionary();
-    QList<std::pair<PreferenceKey::Pointer, PreferenceKeyValue>> changes;
+    QList<std::pair<PreferenceKey::Pointer, plist::Value>> changes;
     QStringList names = before.keys() + after.keys();
     names.removeDuplicates();
     for (const QString& name : names) {
-        const plist::Value& old = before.value(name);
         const plist::Value& now = after.value(name);
-        if (old == now)
+        if (before.value(name) == now)
             continue;
         const auto key = payload->keyAtPath(name);
-        const bool plain = !old.isArray() && !old.isDictionary() && !now.isArray() && !now.isDictionary();
-        // The manifest's type holds: another is refused, not saved to be wrong.
-        if (!key || !plain ||
-            (!now.isNull() && !PFMKeyPrototype::isOfPlistClass(now, key->prototype().kind())))
+        // The manifest's types hold: a value it would have to hold as not fitting is refused.
+        if (!key || PlistValueBinder::misfitCount(*PreferenceKey::makeFromValue(
+                        key->prototypePointer(), now)) > PlistValueBinder::misfitCount(*key))
             return false;
-        changes.append({key, now.isNull() ? PreferenceKeyValue() : PreferenceKeyValue(now)});
+        changes.append({key, now});
     }
     if (changes.isEmpty())
         return false;
     m_undoStack.push(
         new KeySnapshotCommand(QStringLiteral("Edit Property List"), payload->preferenceKeys(), [changes] {
             for (const auto& [key, value] : changes)
-                key->setValue(value);
+                PlistValueBinder::bind(key, value);
         }));
     return true;
 }

@@ -55,11 +55,12 @@ public:
     void removeAllHeldValues(const Profile& profile);
     // The `ordinal`-th unfamiliar payload of its type becomes `after`; refused
     // (false) when it isn't there or `after` changes its type.
-    // The raw editor's edit of a payload a manifest describes: the top-level
-    // keys whose plain values differ between what the payload writes and
-    // `after` take the new values, or go when gone, as one step. Refused
-    // (false) for a key the manifest doesn't know, a new type, or a change
-    // inside an array or a dictionary, which the form edits.
+    // The raw editor's edit of a payload a manifest describes: each top-level
+    // key whose written value differs in `after` is bound to its new value,
+    // nested values included, or goes when gone, as one step. Refused (false)
+    // for a key the manifest doesn't know or a value that doesn't fit its
+    // type where the manifest describes one; entries it doesn't describe are
+    // held, as a file's are.
     bool setPayloadDictionary(const Payload::Pointer& payload, const plist::Dictionary& after);
     bool replaceUnfamiliarPayload(const Profile::Pointer& profile, const QString& payloadType, int ordinal,
                                   const plist::Dictionary& after);

@@ -199,7 +199,8 @@ std::optional<plist::Dictionary> PropertyListEdit::add(plist::Dictionary root, c
     if (!target)
         return std::nullopt;
     if (plist::Array* array = target->mutableArray()) {
-        array->append(plist::Value(QString()));
+        // Items of an array are mostly of one kind: a new one is like the first.
+        array->append(array->isEmpty() ? plist::Value(QString()) : emptyValue(array->first().type()));
     } else if (plist::Dictionary* dictionary = target->mutableDictionary()) {
         QString key = QStringLiteral("New Key");
         for (int number = 2; dictionary->contains(key); ++number)

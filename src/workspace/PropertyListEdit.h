@@ -31,8 +31,9 @@ public:
     static std::optional<plist::Dictionary> setValue(plist::Dictionary root, const Path& path,
                                                      const plist::Value& value);
     static std::optional<plist::Dictionary> remove(plist::Dictionary root, const Path& path);
-    // A new empty string in the dictionary or array at `container` ("New Key",
-    // numbered when taken; at the end of an array).
+    // A new empty string in the dictionary at `container` ("New Key", numbered
+    // when taken), or at the end of the array there an empty value of the
+    // type of its first item.
     static std::optional<plist::Dictionary> add(plist::Dictionary root, const Path& container);
     static std::optional<plist::Dictionary> renameKey(plist::Dictionary root, const Path& path,
                                                       const QString& newKey);
