@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <vector>
+
 namespace quorlin {
 
 namespace {
@@ -38,6 +40,60 @@ void addAnchorFile(X509_STORE* store, const QString& path) {
         readAnchors(store, file.read(1024 * 1024));
 }
 
+// The system's bundle of roots, parsed once per process: reading and decoding
+// a few hundred PEM certificates costs tens of milliseconds, which was paid
+// before every check of a signature. Only the bundle file is read eagerly; the
+// hashed folder and the default store are looked up lazily, per store.
+class SystemBundle {
+public:
+    static const SystemBundle& shared() {
+        static const SystemBundle bundle;
+        return bundle;
+    }
+
+    void addTo(X509_STORE* store) const {
+        for (const openssl::Certificate& certificate : m_certificates)
+            X509_STORE_add_cert(store, certificate.get());
+        for (const Revocations& revocations : m_revocations)
+            X509_STORE_add_crl(store, revocations.get());
+    }
+
+private:
+    using Revocations = std::unique_ptr<X509_CRL, openssl::Deleter<X509_CRL_free>>;
+
+    SystemBundle() {
+        openssl::Store bundle(X509_STORE_new());
+        X509_LOOKUP* lookup = bundle ? X509_STORE_add_lookup(bundle.get(), X509_LOOKUP_file()) : nullptr;
+        if (!lookup || X509_LOOKUP_load_file(lookup, nullptr, X509_FILETYPE_DEFAULT) != 1) {
+            ERR_clear_error();
+            return;
+        }
+        STACK_OF(X509_OBJECT)* objects = X509_STORE_get0_objects(bundle.get());
+        for (int i = 0; i < sk_X509_OBJECT_num(objects); ++i)
+            keep(sk_X509_OBJECT_value(objects, i));
+        ERR_clear_error();
+    }
+
+    void keep(X509_OBJECT* object) {
+        if (X509* certificate = X509_OBJECT_get0_X509(object); certificate && X509_up_ref(certificate))
+            m_certificates.emplace_back(certificate);
+        else if (X509_CRL* crl = X509_OBJECT_get0_X509_CRL(object); crl && X509_CRL_up_ref(crl))
+            m_revocations.emplace_back(crl);
+    }
+
+    std::vector<openssl::Certificate> m_certificates;
+    std::vector<Revocations> m_revocations;
+};
+
+// What X509_STORE_set_default_paths gives, with the bundle from memory.
+void addSystemRoots(X509_STORE* store) {
+    SystemBundle::shared().addTo(store);
+    if (X509_LOOKUP* folder = X509_STORE_add_lookup(store, X509_LOOKUP_hash_dir()))
+        X509_LOOKUP_add_dir(folder, nullptr, X509_FILETYPE_DEFAULT);
+    if (X509_LOOKUP* defaultStore = X509_STORE_add_lookup(store, X509_LOOKUP_store()))
+        X509_LOOKUP_add_store(defaultStore, nullptr);
+}
+
 // The verifier's own words are terse; the common faults in the user's terms.
 QString chainFaultWords(int error) {
     switch (error) {
@@ -61,7 +117,7 @@ QString chainFaultWords(int error) {
 
 CertificateTrust::CertificateTrust(const QString& anchorsFolder, const QStringList& anchorFiles)
     : m_store(X509_STORE_new()) {
-    X509_STORE_set_default_paths(m_store.get());
+    addSystemRoots(m_store.get());
     const QDir folder(anchorsFolder);
     for (const QString& name : folder.entryList(QDir::Files, QDir::Name))
         addAnchorFile(m_store.get(), folder.filePath(name));

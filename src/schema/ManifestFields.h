@@ -25,6 +25,13 @@ public:
     // True only for exactly "always": manifests spell it in lower case, and
     // "push" means nothing outside a conditional rule.
     static bool isRequiredAlways(const plist::Dictionary& dictionary);
+
+    // The same reads of a value already found.
+    static std::optional<bool> boolValue(const plist::Value& value);
+    static std::optional<plist::Array> array(const plist::Value& value);
+    static std::optional<plist::Dictionary> dictionary(const plist::Value& value);
+    static std::optional<QUrl> url(const plist::Value& value);
+    static bool isRequiredAlways(const plist::Value& require);
 };
 
 } // namespace quorlin

@@ -168,16 +168,18 @@ void PFMDomain::readPayloadOptions(const plist::Dictionary& manifest) {
 }
 
 void PFMDomain::readKeys(const MutableKeyList& keys) {
+    // Straight into the domain's lists, not through a list per key.
+    PFMKeyPrototype::SearchStrings searchStrings;
+    m_keyPrototypes.reserve(keys.size());
     for (const auto& key : keys) {
         m_keyPrototypes.append(key);
         if (!m_containsSupervisedOnlyKeys && key->requiresSupervisionDeep())
             m_containsSupervisedOnlyKeys = true;
-        if (const auto strings = key->collectSearchStrings()) {
-            m_allKeyNames.append(strings->names);
-            m_allKeyTitles.append(strings->titles);
-            m_allKeyDescriptions.append(strings->descriptions);
-        }
+        key->appendSearchStrings(searchStrings);
     }
+    m_allKeyNames = std::move(searchStrings.names);
+    m_allKeyTitles = std::move(searchStrings.titles);
+    m_allKeyDescriptions = std::move(searchStrings.descriptions);
 }
 
 void PFMDomain::readCategory(const plist::Dictionary& manifest) {

@@ -1,6 +1,7 @@
 #include "schema/PFMKeyPrototype.h"
 
 #include "schema/ManifestFields.h"
+#include "schema/PFMKeyFields.h"
 
 #include <algorithm>
 #include <array>
@@ -8,6 +9,8 @@
 namespace quorlin {
 
 namespace {
+
+using Field = PFMKeyFields::Field;
 
 constexpr std::array allKinds{PFMKeyPrototype::Kind::boolean, PFMKeyPrototype::Kind::integer,
                               PFMKeyPrototype::Kind::real,    PFMKeyPrototype::Kind::string,
@@ -20,22 +23,49 @@ QString withFirstLetterUpperCased(QString text) {
     return text;
 }
 
-bool hasCapitalAfterFirstCharacter(const QString& name) {
-    return std::any_of(name.begin() + std::min<qsizetype>(1, name.size()), name.end(),
-                       [](QChar character) { return character.isUpper(); });
+// Key names are read as if each "_" were a blank.
+inline QChar spacedAt(const QChar* name, qsizetype index) {
+    return name[index] == u'_' ? QChar(u' ') : name[index];
 }
 
 // A blank goes before a capital that ends a lower-case letter or a digit, and
 // before the last capital of a run when a lower-case letter follows it
 // ("HTTPServer" reads "HTTP Server").
-bool startsWord(const QString& text, qsizetype index) {
-    if (index == 0 || !text[index].isUpper())
+inline bool startsWord(const QChar* name, qsizetype size, qsizetype index) {
+    if (index == 0 || !spacedAt(name, index).isUpper())
         return false;
-    const QChar previous = text[index - 1];
+    const QChar previous = spacedAt(name, index - 1);
     if (previous.isLower() || previous.isDigit())
         return true;
-    const bool followedByLowerCase = index + 1 < text.size() && text[index + 1].isLower();
+    const bool followedByLowerCase = index + 1 < size && spacedAt(name, index + 1).isLower();
     return previous.isUpper() && followedByLowerCase;
+}
+
+// Manifests write line breaks of descriptions as the two characters "\n".
+// One pass by hand: QString::replace sets up a string matcher on every call,
+// and nearly every key has a description.
+QString withLineBreaks(QString text) {
+    const QChar* in = text.constData();
+    const qsizetype size = text.size();
+    qsizetype first = text.indexOf(u'\\');
+    while (first >= 0 && (first + 1 == size || in[first + 1] != u'n'))
+        first = text.indexOf(u'\\', first + 1);
+    if (first < 0)
+        return text;
+    QString result(size, Qt::Uninitialized);
+    QChar* out = result.data();
+    std::copy(in, in + first, out);
+    qsizetype written = first;
+    for (qsizetype index = first; index < size; ++index) {
+        if (in[index] == u'\\' && index + 1 < size && in[index + 1] == u'n') {
+            out[written++] = u'\n';
+            ++index;
+        } else {
+            out[written++] = in[index];
+        }
+    }
+    result.truncate(written);
+    return result;
 }
 
 } // namespace
@@ -111,36 +141,48 @@ bool PFMKeyPrototype::isOfPlistClass(const plist::Value& value, Kind kind) {
     return false;
 }
 
+// Sized once and written in place: every key without a title of its own
+// comes through here while a domain is built.
 QString PFMKeyPrototype::titleFromKeyName(const QString& name) {
-    if (std::any_of(name.begin(), name.end(), [](QChar character) { return character.isSpace(); }))
-        return name;
-    if (!name.contains(u'_') && !hasCapitalAfterFirstCharacter(name))
+    const QChar* chars = name.constData();
+    const qsizetype size = name.size();
+    bool hasUnderscore = false;
+    bool hasLaterCapital = false;
+    for (qsizetype index = 0; index < size; ++index) {
+        if (chars[index].isSpace())
+            return name;
+        hasUnderscore = hasUnderscore || chars[index] == u'_';
+        hasLaterCapital = hasLaterCapital || (index > 0 && chars[index].isUpper());
+    }
+    if (!hasUnderscore && !hasLaterCapital)
         return withFirstLetterUpperCased(name);
 
-    QString spaced = name;
-    spaced.replace(u'_', u' ');
-    QString title;
-    title.reserve(spaced.size() + spaced.size() / 4);
-    for (qsizetype index = 0; index < spaced.size(); ++index) {
-        if (startsWord(spaced, index))
-            title.append(u' ');
-        title.append(spaced[index]);
+    qsizetype blanks = 0;
+    for (qsizetype index = 0; index < size; ++index)
+        blanks += startsWord(chars, size, index) ? 1 : 0;
+    QString title(size + blanks, Qt::Uninitialized);
+    QChar* out = title.data();
+    for (qsizetype index = 0; index < size; ++index) {
+        if (startsWord(chars, size, index))
+            *out++ = u' ';
+        *out++ = spacedAt(chars, index);
     }
-    return withFirstLetterUpperCased(title);
+    return withFirstLetterUpperCased(std::move(title));
 }
 
 std::shared_ptr<PFMKeyPrototype> PFMKeyPrototype::parse(const plist::Dictionary& dictionary,
                                                         bool allowsMissingName, int depth) {
     if (depth > maximumDepth)
         return nullptr;
+    const PFMKeyFields fields(dictionary);
     std::shared_ptr<PFMKeyPrototype> prototype(new PFMKeyPrototype());
-    if (!prototype->readIdentity(dictionary, allowsMissingName))
+    if (!prototype->readIdentity(fields, allowsMissingName))
         return nullptr;
-    prototype->readValueRules(dictionary);
-    prototype->readPresentation(dictionary);
-    prototype->readAvailability(dictionary);
-    prototype->readStructure(dictionary, depth);
-    prototype->m_note = dictionary.string(QStringLiteral("pfm_quorlin_note"));
+    prototype->readValueRules(fields);
+    prototype->readPresentation(fields);
+    prototype->readAvailability(fields, dictionary);
+    prototype->readStructure(fields, depth);
+    prototype->m_note = fields.string(Field::note);
     prototype->m_representedDictionary = prototype->computeRepresentedDictionary();
     return prototype;
 }
@@ -148,6 +190,7 @@ std::shared_ptr<PFMKeyPrototype> PFMKeyPrototype::parse(const plist::Dictionary&
 PFMKeyPrototype::MutableList PFMKeyPrototype::parseMutableSubkeyList(const plist::Array& array,
                                                                      bool allowsMissingName, int depth) {
     MutableList list;
+    list.reserve(array.size());
     for (const plist::Value& element : array) {
         const plist::Dictionary* dictionary = element.dictionary();
         if (!dictionary)
@@ -158,42 +201,40 @@ PFMKeyPrototype::MutableList PFMKeyPrototype::parseMutableSubkeyList(const plist
     return list;
 }
 
-bool PFMKeyPrototype::readIdentity(const plist::Dictionary& dictionary, bool allowsMissingName) {
-    const auto type = dictionary.string(QStringLiteral("pfm_type"));
+bool PFMKeyPrototype::readIdentity(const PFMKeyFields& fields, bool allowsMissingName) {
+    const auto type = fields.string(Field::type);
     const auto kind = type ? kindFromRawValue(*type) : std::nullopt;
     if (!kind)
         return false;
     m_kind = *kind;
 
-    m_name = dictionary.string(QStringLiteral("pfm_name"));
+    m_name = fields.string(Field::name);
     if (!m_name && !allowsMissingName)
         return false;
 
-    const auto title = dictionary.string(QStringLiteral("pfm_title"));
+    const auto title = fields.string(Field::title);
     m_title = title ? *title : (m_name ? titleFromKeyName(*m_name) : QString());
-    // Manifests write line breaks of descriptions as the two characters "\n".
-    m_descriptionLine = dictionary.string(QStringLiteral("pfm_description")).value_or(QString());
-    m_descriptionLine.replace(QStringLiteral("\\n"), QStringLiteral("\n"));
+    m_descriptionLine = withLineBreaks(fields.string(Field::description).value_or(QString()));
     return true;
 }
 
-void PFMKeyPrototype::readValueRules(const plist::Dictionary& dictionary) {
-    m_format = dictionary.string(QStringLiteral("pfm_format"));
-    m_rangeMin = ManifestFields::integerValue(dictionary, QStringLiteral("pfm_range_min"));
-    m_rangeMax = ManifestFields::integerValue(dictionary, QStringLiteral("pfm_range_max"));
-    m_rangeList = ManifestFields::array(dictionary, QStringLiteral("pfm_range_list"));
-    m_suggestions = ManifestFields::array(dictionary, QStringLiteral("pfm_quorlin_suggestions"));
-    readConditionals(dictionary);
-    m_required = ManifestFields::isRequiredAlways(dictionary);
+void PFMKeyPrototype::readValueRules(const PFMKeyFields& fields) {
+    m_format = fields.string(Field::format);
+    m_rangeMin = fields.value(Field::rangeMin).numberAsInteger();
+    m_rangeMax = fields.value(Field::rangeMax).numberAsInteger();
+    m_rangeList = ManifestFields::array(fields.value(Field::rangeList));
+    m_suggestions = ManifestFields::array(fields.value(Field::suggestions));
+    readConditionals(fields);
+    m_required = ManifestFields::isRequiredAlways(fields.value(Field::require));
 
-    const plist::Value& defaultValue = dictionary.value(QStringLiteral("pfm_default"));
+    const plist::Value& defaultValue = fields.value(Field::defaultValue);
     if (isOfPlistClass(defaultValue, m_kind))
         m_defaultValue = defaultValue;
 }
 
-void PFMKeyPrototype::readConditionals(const plist::Dictionary& dictionary) {
-    const auto readRules = [&](const QString& key, bool isExclusion) {
-        const plist::Array* rules = dictionary.array(key);
+void PFMKeyPrototype::readConditionals(const PFMKeyFields& fields) {
+    const auto readRules = [&](Field field, bool isExclusion) {
+        const plist::Array* rules = fields.array(field);
         if (!rules)
             return;
         for (const plist::Value& element : *rules) {
@@ -204,56 +245,53 @@ void PFMKeyPrototype::readConditionals(const plist::Dictionary& dictionary) {
                 m_conditionalPrototypes.append(std::move(*rule));
         }
     };
-    readRules(QStringLiteral("pfm_conditionals"), false);
-    readRules(QStringLiteral("pfm_exclude"), true);
+    readRules(Field::conditionals, false);
+    readRules(Field::exclude, true);
 }
 
-void PFMKeyPrototype::readPresentation(const plist::Dictionary& dictionary) {
-    m_userVisible = dictionary.boolean(QStringLiteral("pfm_quorlin_user_visible")).value_or(true);
-    m_userEditable = dictionary.boolean(QStringLiteral("pfm_quorlin_user_editable")).value_or(true);
-    m_sortingIndex = ManifestFields::integerValue(dictionary, QStringLiteral("pfm_quorlin_sorting_index"));
-    m_defaultGenerate = dictionary.string(QStringLiteral("pfm_quorlin_default_generate"));
-    m_ghost = dictionary.boolean(QStringLiteral("pfm_quorlin_ghost_key")).value_or(false);
-    m_prettyRangeList =
-        ManifestFields::dictionary(dictionary, QStringLiteral("pfm_quorlin_pretty_range_list"));
-    m_valuePlaceholder = dictionary.string(QStringLiteral("pfm_quorlin_value_placeholder"));
-    m_indentationLevel = dictionary.integer(QStringLiteral("pfm_quorlin_indentation_level")).value_or(0);
-    m_controlType = dictionary.string(QStringLiteral("pfm_quorlin_control_type"));
+void PFMKeyPrototype::readPresentation(const PFMKeyFields& fields) {
+    m_userVisible = fields.boolean(Field::userVisible).value_or(true);
+    m_userEditable = fields.boolean(Field::userEditable).value_or(true);
+    m_sortingIndex = fields.value(Field::sortingIndex).numberAsInteger();
+    m_defaultGenerate = fields.string(Field::defaultGenerate);
+    m_ghost = fields.boolean(Field::ghostKey).value_or(false);
+    m_prettyRangeList = ManifestFields::dictionary(fields.value(Field::prettyRangeList));
+    m_valuePlaceholder = fields.string(Field::valuePlaceholder);
+    m_indentationLevel = fields.integer(Field::indentationLevel).value_or(0);
+    m_controlType = fields.string(Field::controlType);
     // An adapter converts for a particular control, so it means nothing without one.
     if (m_controlType)
-        m_typeAdapter = dictionary.string(QStringLiteral("pfm_quorlin_type_adapter"));
+        m_typeAdapter = fields.string(Field::typeAdapter);
 }
 
-void PFMKeyPrototype::readAvailability(const plist::Dictionary& dictionary) {
-    if (const plist::Dictionary* supportedOSes =
-            dictionary.dictionary(QStringLiteral("pfmx_supported_oses"))) {
+void PFMKeyPrototype::readAvailability(const PFMKeyFields& fields, const plist::Dictionary& dictionary) {
+    if (const plist::Dictionary* supportedOSes = fields.dictionary(Field::supportedOSes)) {
         if (auto decoded = PFMXSupportedOSes::decode(*supportedOSes))
             m_supportedOSes = std::move(*decoded);
     }
     // The older keys are a fallback only: the extended format says more.
     if (!m_supportedOSes) {
-        m_supportedModels = PFMSupportedPlatforms::readPlatformList(dictionary);
+        m_supportedModels = PFMSupportedPlatforms::platformListFrom(fields.value(Field::platforms));
         m_lifeCycleVersions = PFMSupportedPlatforms::readLifeCycleVersions(dictionary);
     }
-    m_requiresSupervision =
-        dictionary.boolean(QStringLiteral("pfm_quorlin_supervision_required")).value_or(false);
-    m_documentationURL = ManifestFields::url(dictionary, QStringLiteral("pfm_quorlin_documentation_url"));
+    m_requiresSupervision = fields.boolean(Field::supervisionRequired).value_or(false);
+    m_documentationURL = ManifestFields::url(fields.value(Field::documentationURL));
 }
 
-void PFMKeyPrototype::readStructure(const plist::Dictionary& dictionary, int depth) {
-    m_repetitionMin = dictionary.integer(QStringLiteral("pfm_repetition_min"));
-    m_repetitionMax = dictionary.integer(QStringLiteral("pfm_repetition_max"));
-    if (const plist::Array* subkeys = dictionary.array(QStringLiteral("pfm_subkeys"))) {
+void PFMKeyPrototype::readStructure(const PFMKeyFields& fields, int depth) {
+    m_repetitionMin = fields.integer(Field::repetitionMin);
+    m_repetitionMax = fields.integer(Field::repetitionMax);
+    if (const plist::Array* subkeys = fields.array(Field::subkeys)) {
         // Only the items of an array are nameless: they are written by position.
         for (auto& subkey : parseMutableSubkeyList(*subkeys, m_kind == Kind::array, depth + 1))
             m_subkeys.append(std::move(subkey));
     }
     if (m_kind == Kind::data)
-        readFileRestrictions(dictionary);
+        readFileRestrictions(fields);
 }
 
-void PFMKeyPrototype::readFileRestrictions(const plist::Dictionary& dictionary) {
-    const plist::Array* extensions = dictionary.array(QStringLiteral("pfm_quorlin_allowed_file_extensions"));
+void PFMKeyPrototype::readFileRestrictions(const PFMKeyFields& fields) {
+    const plist::Array* extensions = fields.array(Field::allowedFileExtensions);
     if (extensions && !extensions->isEmpty()) {
         QStringList strings;
         for (const plist::Value& element : *extensions) {
@@ -262,7 +300,7 @@ void PFMKeyPrototype::readFileRestrictions(const plist::Dictionary& dictionary) 
         }
         m_allowedFileExtensions = strings;
     }
-    const plist::Array* signatures = dictionary.array(QStringLiteral("pfm_quorlin_allowed_data_signatures"));
+    const plist::Array* signatures = fields.array(Field::allowedDataSignatures);
     if (signatures && !signatures->isEmpty()) {
         QList<QByteArray> bytes;
         for (const plist::Value& element : *signatures) {

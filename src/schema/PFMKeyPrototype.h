@@ -16,6 +16,7 @@
 
 namespace quorlin {
 
+class PFMKeyFields;
 class PFMKeyPrototype;
 using PFMKeyPrototypeList = QList<std::shared_ptr<const PFMKeyPrototype>>;
 
@@ -119,13 +120,13 @@ private:
                                                   int depth);
     static MutableList parseMutableSubkeyList(const plist::Array& array, bool allowsMissingName, int depth);
 
-    bool readIdentity(const plist::Dictionary& dictionary, bool allowsMissingName);
-    void readValueRules(const plist::Dictionary& dictionary);
-    void readConditionals(const plist::Dictionary& dictionary);
-    void readPresentation(const plist::Dictionary& dictionary);
-    void readAvailability(const plist::Dictionary& dictionary);
-    void readStructure(const plist::Dictionary& dictionary, int depth);
-    void readFileRestrictions(const plist::Dictionary& dictionary);
+    bool readIdentity(const PFMKeyFields& fields, bool allowsMissingName);
+    void readValueRules(const PFMKeyFields& fields);
+    void readConditionals(const PFMKeyFields& fields);
+    void readPresentation(const PFMKeyFields& fields);
+    void readAvailability(const PFMKeyFields& fields, const plist::Dictionary& dictionary);
+    void readStructure(const PFMKeyFields& fields, int depth);
+    void readFileRestrictions(const PFMKeyFields& fields);
     RepresentableDictionary computeRepresentedDictionary() const;
 
     void appendSearchStrings(SearchStrings& strings) const;

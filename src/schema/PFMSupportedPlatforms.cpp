@@ -65,7 +65,12 @@ std::optional<PFMSupportedPlatforms::LifeCycleStage> stageFromRawValue(QStringVi
 
 std::optional<PFMSupportedPlatforms::Models>
 PFMSupportedPlatforms::readPlatformList(const plist::Dictionary& manifest) {
-    const plist::Array* list = manifest.array(QStringLiteral("pfm_quorlin_platforms"));
+    return platformListFrom(manifest.value(QStringLiteral("pfm_quorlin_platforms")));
+}
+
+std::optional<PFMSupportedPlatforms::Models>
+PFMSupportedPlatforms::platformListFrom(const plist::Value& value) {
+    const plist::Array* list = value.array();
     if (!list)
         return std::nullopt;
     Models models;

@@ -37,6 +37,8 @@ public:
     // The models that "pfm_quorlin_platforms" names, its strings matched
     // case-insensitively; nothing when the key names none.
     static std::optional<Models> readPlatformList(const plist::Dictionary& manifest);
+    // The same from the value of "pfm_quorlin_platforms" itself.
+    static std::optional<Models> platformListFrom(const plist::Value& list);
     // The versions under "pfm_quorlin_<model>_<stage>"; a model without any
     // of its three keys is left out, and nothing when no model has one.
     static std::optional<LifeCycleVersions> readLifeCycleVersions(const plist::Dictionary& manifest);

@@ -24,7 +24,9 @@ std::optional<DomainIcon> decodeIcon(const plist::Dictionary& manifest) {
 
 BundledManifestRepository::BundledManifestRepository(const QString& directory)
     : ManifestRepository(directory) {
-    reloadManifests();
+    // Mostly a fall-back: a command run with another repository in force
+    // would read the whole set for nothing.
+    readOnFirstUse();
 }
 
 void BundledManifestRepository::reloadManifests() {

@@ -12,7 +12,7 @@
 namespace quorlin {
 
 // The manifests that ship with the program: already in the standard form,
-// read in full when it starts, never written. It is the fall-back of every
+// read in full when first needed, never written. It is the fall-back of every
 // other repository, and the source of domain icons that a manifest of
 // another repository lacks.
 class BundledManifestRepository final : public ManifestRepository {

@@ -48,7 +48,24 @@ ManifestRepository::ManifestRepository(QString standardizedManifestsDirectory)
 
 ManifestRepository::~ManifestRepository() = default;
 
+const QList<plist::Dictionary>& ManifestRepository::standardizedManifests() const {
+    readIfUnread();
+    return m_standardizedManifests;
+}
+
+QList<plist::Dictionary>& ManifestRepository::mutableStandardizedManifests() {
+    readIfUnread();
+    return m_standardizedManifests;
+}
+
+void ManifestRepository::readIfUnread() const {
+    // The repository itself is never const: only its reading is put off.
+    if (m_unread)
+        const_cast<ManifestRepository*>(this)->ManifestRepository::reloadManifests();
+}
+
 void ManifestRepository::reloadManifests() {
+    m_unread = false;
     const auto read = readManifests(plistFiles(m_standardizedManifestsDirectory));
     m_standardizedManifests.clear();
     for (const auto& [path, manifest] : read)
@@ -56,6 +73,7 @@ void ManifestRepository::reloadManifests() {
 }
 
 void ManifestRepository::reloadManifests(const QStringList& files) {
+    readIfUnread();
     const auto read = readManifests(files);
     QSet<QString> replacedDomains;
     for (const auto& [path, manifest] : read) {
@@ -71,6 +89,7 @@ void ManifestRepository::reloadManifests(const QStringList& files) {
 }
 
 std::optional<plist::Dictionary> ManifestRepository::manifest(const QString& domain) const {
+    readIfUnread();
     const auto found = std::find_if(
         m_standardizedManifests.cbegin(), m_standardizedManifests.cend(),
         [&](const plist::Dictionary& manifest) { return manifest.string(kDomainKey) == domain; });

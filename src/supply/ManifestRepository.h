@@ -25,7 +25,7 @@ public:
 
     const QString& standardizedManifestsDirectory() const { return m_standardizedManifestsDirectory; }
     // One complete manifest root per element, in the order of the directory listing.
-    const QList<plist::Dictionary>& standardizedManifests() const { return m_standardizedManifests; }
+    const QList<plist::Dictionary>& standardizedManifests() const;
 
     // Replaces every manifest with those now found below the directory.
     virtual void reloadManifests();
@@ -53,9 +53,16 @@ public:
     static QList<std::pair<QString, plist::Dictionary>> readManifests(const QStringList& files);
 
 protected:
-    QList<plist::Dictionary>& mutableStandardizedManifests() { return m_standardizedManifests; }
+    QList<plist::Dictionary>& mutableStandardizedManifests();
+    // Leaves the first reading of the directory to the first use of its
+    // manifests, for a set that is often not needed at all. Only for a
+    // repository used from one thread.
+    void readOnFirstUse() { m_unread = true; }
 
 private:
+    void readIfUnread() const;
+
+    bool m_unread = false;
     const QString m_standardizedManifestsDirectory;
     QList<plist::Dictionary> m_standardizedManifests;
 };

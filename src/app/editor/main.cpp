@@ -5,6 +5,7 @@
 #include "supply/ResourceFolder.h"
 #include "ui/DesktopIdentity.h"
 #include "ui/EditorApplication.h"
+#include "ui/FirstWindowExit.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -101,6 +102,8 @@ int main(int argc, char** argv) {
     }
     QApplication application(argc, argv);
     quorlin::DesktopIdentity::apply();
+    if (const auto delay = quorlin::FirstWindowExit::delayFromEnvironment())
+        new quorlin::FirstWindowExit(*delay, &application);
     quorlin::EditorApplication editor(quorlin::UserDefaults::standard());
     editor.launch(QCoreApplication::arguments().mid(1));
     return application.exec();
