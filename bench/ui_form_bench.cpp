@@ -7,9 +7,9 @@
 #include "documents/ProfileDocument.h"
 #include "model/Profile.h"
 #include "model/ProfileEnvironment.h"
-#include "schema/PFMDomain.h"
 #include "plist/DefaultsKey.h"
 #include "plist/UserDefaults.h"
+#include "schema/PFMDomain.h"
 #include "shell/FactoryDefaults.h"
 #include "ui/ContentView.h"
 #include "ui/DocumentWindow.h"
@@ -89,7 +89,8 @@ PFMSection* sectionOf(DocumentWindow& window, const DomainPointer& domain) {
     return nullptr;
 }
 
-double showFormInWindow(const Profile::DomainList& domains, const DomainPointer& domain, UserDefaults& defaults) {
+double showFormInWindow(const Profile::DomainList& domains, const DomainPointer& domain,
+                        UserDefaults& defaults) {
     auto document = std::make_unique<ProfileDocument>(domains, ProfileEnvironment::makeSystem(), defaults);
     document->makeWindowControllers();
     DocumentWindow window(std::move(document), domains, defaults, nullptr);
