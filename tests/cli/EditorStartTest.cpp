@@ -43,3 +43,12 @@ TEST_F(EditorStartTest, TheHeadlessStartCompletesAndSavesOnlyTheVersion) {
     EXPECT_EQ(read->root,
               plist::Value(plist::Dictionary{{"lastLaunchedBundleShortVersionString", QUORLIN_VERSION}}));
 }
+
+// Measuring start-up needs the editor to end by itself once its first window
+// is painted; without the variable a start with no files would wait for the user.
+TEST_F(EditorStartTest, EndsAfterItsFirstWindowWhenAskedTo) {
+    qputenv("QUORLIN_EXIT_AFTER_FIRST_WINDOW", "1");
+    const ToolRun start = m_editor.run({});
+    qunsetenv("QUORLIN_EXIT_AFTER_FIRST_WINDOW");
+    EXPECT_EQ(start.exitCode, 0) << start.error.toStdString();
+}
