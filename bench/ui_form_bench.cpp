@@ -100,13 +100,21 @@ double showFormInWindow(const Profile::DomainList& domains, const DomainPointer&
     PFMSection* section = sectionOf(window, domain);
     if (!section)
         return -1;
+    // The payload is there before the clock starts, as in an opened profile;
+    // what is timed is going to its section from another one.
+    PFMSection* general = window.selectedSection();
+    window.addPayload(*section);
+    window.selectSection(general);
+    QApplication::processEvents();
 
     QElapsedTimer timer;
     timer.start();
     window.selectSection(section);
     QApplication::processEvents();
     window.grab();
-    return timer.nsecsElapsed() / 1e6;
+    const double elapsed = timer.nsecsElapsed() / 1e6;
+    const auto& payloads = window.contentView()->sectionFormView()->payloadViews();
+    return payloads.isEmpty() || payloads.first()->rows().empty() ? -1 : elapsed;
 }
 
 double median(std::vector<double> values) {
@@ -163,7 +171,7 @@ int main(int argc, char** argv) {
     for (int index = 0; index < runs; ++index)
         windowTotals.push_back(showFormInWindow(domains, largest, defaults));
     if (windowTotals.front() < 0) {
-        std::fprintf(stderr, "the window has no section of %s alone\n", qPrintable(largest->domainString()));
+        std::fprintf(stderr, "the window shows no form of %s\n", qPrintable(largest->domainString()));
         return 1;
     }
     std::printf("in a window with its side bar and the Issues panel shown, %d runs: median %.1f ms, slowest "
