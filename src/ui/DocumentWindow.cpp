@@ -200,15 +200,16 @@ void DocumentWindow::buildLayout() {
                 if (!m_history.replaceUnfamiliarPayload(m_document->profile(), type, ordinal, after))
                     statusBar()->showMessage(QStringLiteral("The payload's type can't change here."), 3000);
             });
-    connect(m_content, &ContentView::payloadDictionaryEdited, this,
-            [this](const Payload::Pointer& payload, const plist::Dictionary& after) {
-                if (m_history.setPayloadDictionary(payload, after))
-                    return;
-                statusBar()->showMessage(QStringLiteral("The manifest doesn't allow this: a value of another "
-                                                        "type than it describes, or a key it doesn't know."),
-                                         5000);
-                reloadRawEditor();
-            });
+    connect(
+        m_content, &ContentView::payloadDictionaryEdited, this,
+        [this](const Payload::Pointer& payload, const plist::Dictionary& after) {
+            if (m_history.setPayloadDictionary(payload, after))
+                return;
+            statusBar()->showMessage(
+                QStringLiteral("The manifest doesn't allow this: a value of another type than it describes."),
+                5000);
+            reloadRawEditor();
+        });
     // The raw editor shows what the payload holds after an edit, an undo or a redo.
     connect(&m_history, &EditHistory::unfamiliarPayloadChanged, this, &DocumentWindow::reloadRawEditor);
     connect(&m_history.undoStack(), &QUndoStack::indexChanged, this, [this] {

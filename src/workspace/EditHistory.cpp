@@ -97,8 +97,9 @@ void EditHistory::removePayloads(PFMSection& section, const Profile::Pointer& pr
 void EditHistory::removeUnfamiliarPreferenceKeys(const Payload::Pointer& payload) {
     if (!payload || !payload->unfamiliarPreferenceKeys())
         return;
-    m_undoStack.push(
-        new RemoveUnfamiliarKeysCommand(payload, [this] { Q_EMIT unfamiliarPreferenceKeysChanged(); }));
+    m_undoStack.push(new UnfamiliarKeysCommand(QStringLiteral("Remove Unfamiliar Properties"), payload,
+                                               std::nullopt,
+                                               [this] { Q_EMIT unfamiliarPreferenceKeysChanged(); }));
 }
 
 void EditHistory::removeHeldValues(const PreferenceKey::KeyList& keys) {
@@ -134,6 +135,10 @@ bool EditHistory::setPayloadDictionary(const Payload::Pointer& payload, const pl
         return false;
     const plist::Dictionary before = payload->writeOutDictionary();
     QList<std::pair<PreferenceKey::Pointer, plist::Value>> changes;
+    // Keys the manifest doesn't describe are kept as the payload's unfamiliar
+    // ones, as when a file brings them.
+    plist::Dictionary unfamiliar = payload->unfamiliarPreferenceKeys().value_or(plist::Dictionary());
+    bool unfamiliarChanged = false;
     QStringList names = before.keys() + after.keys();
     names.removeDuplicates();
     for (const QString& name : names) {
@@ -141,19 +146,34 @@ bool EditHistory::setPayloadDictionary(const Payload::Pointer& payload, const pl
         if (before.value(name) == now)
             continue;
         const auto key = payload->keyAtPath(name);
+        if (!key) {
+            if (now.isNull())
+                unfamiliar.remove(name);
+            else
+                unfamiliar.insert(name, now);
+            unfamiliarChanged = true;
+            continue;
+        }
         // The manifest's types hold: a value it would have to hold as not fitting is refused.
-        if (!key || PlistValueBinder::misfitCount(*PreferenceKey::makeFromValue(
-                        key->prototypePointer(), now)) > PlistValueBinder::misfitCount(*key))
+        if (PlistValueBinder::misfitCount(*PreferenceKey::makeFromValue(key->prototypePointer(), now)) >
+            PlistValueBinder::misfitCount(*key))
             return false;
         changes.append({key, now});
     }
-    if (changes.isEmpty())
+    if (changes.isEmpty() && !unfamiliarChanged)
         return false;
-    m_undoStack.push(
-        new KeySnapshotCommand(QStringLiteral("Edit Property List"), payload->preferenceKeys(), [changes] {
+    const QString text = QStringLiteral("Edit Property List");
+    m_undoStack.beginMacro(text);
+    if (!changes.isEmpty())
+        m_undoStack.push(new KeySnapshotCommand(text, payload->preferenceKeys(), [changes] {
             for (const auto& [key, value] : changes)
                 PlistValueBinder::bind(key, value);
         }));
+    if (unfamiliarChanged)
+        m_undoStack.push(new UnfamiliarKeysCommand(
+            text, payload, unfamiliar.isEmpty() ? std::nullopt : std::optional(unfamiliar),
+            [this] { Q_EMIT unfamiliarPreferenceKeysChanged(); }));
+    m_undoStack.endMacro();
     return true;
 }
 

@@ -120,22 +120,24 @@ void RemoveUnfamiliarPayloadsCommand::undo() {
         m_sections->insertOwnedObject(std::move(m_takenSection));
 }
 
-RemoveUnfamiliarKeysCommand::RemoveUnfamiliarKeysCommand(const Payload::Pointer& payload,
-                                                         std::function<void()> changed)
-    : QUndoCommand(QStringLiteral("Remove Unfamiliar Properties"))
+UnfamiliarKeysCommand::UnfamiliarKeysCommand(const QString& text, const Payload::Pointer& payload,
+                                             std::optional<plist::Dictionary> after,
+                                             std::function<void()> changed)
+    : QUndoCommand(text)
     , m_payload(payload)
-    , m_keys(payload->unfamiliarPreferenceKeys())
+    , m_before(payload->unfamiliarPreferenceKeys())
+    , m_after(std::move(after))
     , m_changed(std::move(changed)) {}
 
-void RemoveUnfamiliarKeysCommand::redo() {
+void UnfamiliarKeysCommand::redo() {
     if (const auto payload = m_payload.lock())
-        payload->clearUnfamiliarPreferenceKeys();
+        payload->setUnfamiliarPreferenceKeys(m_after);
     m_changed();
 }
 
-void RemoveUnfamiliarKeysCommand::undo() {
+void UnfamiliarKeysCommand::undo() {
     if (const auto payload = m_payload.lock())
-        payload->setUnfamiliarPreferenceKeys(m_keys);
+        payload->setUnfamiliarPreferenceKeys(m_before);
     m_changed();
 }
 

@@ -81,18 +81,20 @@ private:
     QList<Profile::PlacedUnfamiliarPayload> m_removed;
 };
 
-// Drops the keys of a payload that no manifest knows. They are no preference
-// keys, so no key snapshot holds them: the command keeps them for undo.
-class RemoveUnfamiliarKeysCommand : public QUndoCommand {
+// Sets or drops the keys of a payload that no manifest knows. They are no
+// preference keys, so no key snapshot holds them: the command keeps them for undo.
+class UnfamiliarKeysCommand : public QUndoCommand {
 public:
-    RemoveUnfamiliarKeysCommand(const Payload::Pointer& payload, std::function<void()> changed);
+    UnfamiliarKeysCommand(const QString& text, const Payload::Pointer& payload,
+                          std::optional<plist::Dictionary> after, std::function<void()> changed);
 
     void redo() override;
     void undo() override;
 
 private:
     std::weak_ptr<Payload> m_payload;
-    std::optional<plist::Dictionary> m_keys;
+    std::optional<plist::Dictionary> m_before;
+    std::optional<plist::Dictionary> m_after;
     std::function<void()> m_changed;
 };
 

@@ -108,7 +108,8 @@ TEST(PropertyListEdit, UnfamiliarPayloadEditsAreStepsOfTheHistory) {
     EXPECT_FALSE(history.replaceUnfamiliarPayload(opened, type, 1, *edited));
 }
 
-// A payload a manifest describes takes values of keys it knows, in their types.
+// A payload a manifest describes takes values of keys it knows in their types, and others as
+// unfamiliar keys.
 TEST(PropertyListEdit, APayloadOfAManifestTakesPlainValuesOfItsKeys) {
     const auto relay = PFMDomain::make(manifestTree(
         QStringLiteral("com.example.relay"),
@@ -133,11 +134,21 @@ TEST(PropertyListEdit, APayloadOfAManifestTakesPlainValuesOfItsKeys) {
 
     auto retyped = after;
     retyped.insert(QStringLiteral("Port"), QStringLiteral("500"));
-    auto unknown = written;
-    unknown.insert(QStringLiteral("New Key"), QString());
-    for (const auto& refused : {retyped, unknown, written})
+    for (const auto& refused : {retyped, written})
         EXPECT_FALSE(history.setPayloadDictionary(payload, refused));
     EXPECT_EQ(history.undoStack().index(), 0);
+
+    // A key the manifest doesn't describe is kept as the payload's unfamiliar one.
+    auto unknown = after;
+    unknown.insert(QStringLiteral("New Key"), QString());
+    ASSERT_TRUE(history.setPayloadDictionary(payload, unknown));
+    EXPECT_EQ(payload->writeOutDictionary(), unknown);
+    ASSERT_TRUE(payload->unfamiliarPreferenceKeys());
+    EXPECT_EQ(payload->unfamiliarPreferenceKeys()->keys(), QStringList{QStringLiteral("New Key")});
+    EXPECT_EQ(history.undoStack().count(), 1) << "one step for both kinds of key";
+    history.undoStack().undo();
+    EXPECT_EQ(payload->writeOutDictionary(), written);
+    EXPECT_FALSE(payload->unfamiliarPreferenceKeys());
 }
 
 } // namespace
