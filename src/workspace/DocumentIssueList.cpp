@@ -24,6 +24,25 @@ QString keyTitle(const FormField& field) {
     return title.isEmpty() ? field.key->prototype().name().value_or(QString()) : title;
 }
 
+// Walks the fields of the sections' forms in order until `visit` answers true.
+template <class Visit>
+void visitFields(const QList<PFMSection*>& sections, Visit visit) {
+    for (PFMSection* section : sections) {
+        const PFMSectionViewController* form = section->sectionViewController();
+        if (!form)
+            continue;
+        const auto& payloads = form->payloadControllers();
+        for (size_t payload = 0; payload < payloads.size(); ++payload) {
+            const auto& fields = payloads[payload]->fieldViewControllers();
+            for (size_t index = 0; index < fields.size(); ++index) {
+                const DocumentIssueList::Location location{section, int(payload), int(index)};
+                if (visit(location, fields[index], qsizetype(payloads.size())))
+                    return;
+            }
+        }
+    }
+}
+
 // A field's place in side-bar order: section sort string, payload, row.
 std::tuple<QString, int, int> rankOf(const DocumentIssueList::Location& location) {
     return {location.section ? location.section->sortingString() : QString(), location.payloadIndex,
@@ -37,48 +56,32 @@ QList<DocumentIssueList::Issue> DocumentIssueList::collect(QList<PFMSection*> se
         return a->sortingString() < b->sortingString();
     });
     QList<Issue> issues;
-    for (PFMSection* section : sections) {
-        const PFMSectionViewController* form = section->sectionViewController();
-        if (!form)
-            continue;
-        const auto& payloads = form->payloadControllers();
-        for (size_t payload = 0; payload < payloads.size(); ++payload) {
-            const auto& fields = payloads[payload]->fieldViewControllers();
-            for (size_t index = 0; index < fields.size(); ++index) {
-                if (!fields[index].hasProminentError())
-                    continue;
-                Issue issue;
-                issue.location = {section, int(payload), int(index)};
-                issue.sectionTitle = section->sectionProperties().title;
-                if (payloads.size() > 1)
-                    issue.payloadTitle = payloads[payload]->title();
-                issue.keyTitle = keyTitle(fields[index]);
-                issue.message = fields[index].controller->error().value_or(QString());
-                issues.append(issue);
-            }
-        }
-    }
+    visitFields(sections, [&](const Location& location, const FormField& field, qsizetype payloadCount) {
+        if (!field.hasProminentError())
+            return false;
+        Issue issue;
+        issue.location = location;
+        issue.sectionTitle = location.section->sectionProperties().title;
+        if (payloadCount > 1)
+            issue.payloadTitle = payloadForm(location)->title();
+        issue.keyTitle = keyTitle(field);
+        issue.message = field.controller->error().value_or(QString());
+        issues.append(issue);
+        return false;
+    });
     return issues;
 }
 
 std::optional<DocumentIssueList::Location> DocumentIssueList::locate(const QList<PFMSection*>& sections,
                                                                      const FieldViewController* controller) {
-    if (!controller)
-        return std::nullopt;
-    for (PFMSection* section : sections) {
-        const PFMSectionViewController* form = section->sectionViewController();
-        if (!form)
-            continue;
-        const auto& payloads = form->payloadControllers();
-        for (size_t payload = 0; payload < payloads.size(); ++payload) {
-            const auto& fields = payloads[payload]->fieldViewControllers();
-            for (size_t index = 0; index < fields.size(); ++index) {
-                if (fields[index].controller.get() == controller)
-                    return Location{section, int(payload), int(index)};
-            }
-        }
-    }
-    return std::nullopt;
+    std::optional<Location> found;
+    if (controller)
+        visitFields(sections, [&](const Location& location, const FormField& field, qsizetype) {
+            if (field.controller.get() == controller)
+                found = location;
+            return found.has_value();
+        });
+    return found;
 }
 
 std::optional<DocumentIssueList::Issue> DocumentIssueList::step(const QList<Issue>& issues,
