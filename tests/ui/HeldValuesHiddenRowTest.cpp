@@ -23,10 +23,8 @@ using namespace test;
 class HeldValuesHiddenRowTest : public EditorFixture {};
 
 TEST_F(HeldValuesHiddenRowTest, TheFormListsItAndRemovingItIsUndoable) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock-held.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock-held.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
     PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
     ASSERT_TRUE(dock);
     window->selectSection(dock);

@@ -26,9 +26,8 @@ using namespace test;
 class RawEditorHeldValues : public EditorFixture {};
 
 TEST_F(RawEditorHeldValues, HeldValuesAreMarkedEditedAndRemovedInTheTree) {
-    DocumentWindow* window = open(copyProfile(QStringLiteral("dock-held.mobileconfig")));
+    DocumentWindow* window = openShown(QStringLiteral("dock-held.mobileconfig"));
     ASSERT_TRUE(window);
-    window->show();
     PFMSection* dock = sectionTitled(*window, QStringLiteral("Dock"));
     window->selectSection(dock);
     window->showAsPropertyListAction()->trigger();

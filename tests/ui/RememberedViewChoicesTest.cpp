@@ -18,12 +18,7 @@ class RememberedViewChoices : public EditorFixture {};
 
 TEST_F(RememberedViewChoices, TheIssuesPanelIsRememberedAndTheDensityHasAFactoryValue) {
     EXPECT_EQ(defaults.string(DefaultsKey::lastChoiceFormDensity), DefaultsValue::formDensityComfortable);
-    const auto openWindow = [this] {
-        DocumentWindow* window = open(copyProfile(QStringLiteral("dock.mobileconfig")));
-        window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
-        return window;
-    };
+    const auto openWindow = [this] { return openShown(QStringLiteral("dock.mobileconfig")); };
     DocumentWindow* first = openWindow();
     ASSERT_TRUE(first);
     EXPECT_FALSE(first->issuesPanel()->isVisible());
